@@ -1,0 +1,222 @@
+/*
+ * dsp.h - public C interface of the dsp signal-processing library.
+ *
+ * Every operation exists in single precision (prefix dspf, record
+ * dspf_signal, float scalars) and in double precision (prefix dsp, record
+ * dsp_signal, double scalars). Operations return 0 on success and -1 on
+ * failure unless stated otherwise. Inputs come first in every argument list,
+ * the result record last; any result may be the same record as an input.
+ * Pointer arguments are not checked for null unless stated.
+ *
+ * The library keeps process-wide caches and is for use by one thread at a
+ * time.
+ */
+#ifndef DSP_H
+#define DSP_H
+
+#include <stdint.h>
+
+#if defined(_WIN32) || defined(__CYGWIN__)
+#  if defined(DSP_BUILDING_LIBRARY)
+#    define DSP_API __declspec(dllexport)
+#  elif defined(DSP_STATIC)
+#    define DSP_API
+#  else
+#    define DSP_API __declspec(dllimport)
+#  endif
+#else
+#  define DSP_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ------------------------------------------------------------------------
+ * Records
+ * ------------------------------------------------------------------------ */
+
+/*
+ * A sampled signal. `data` holds n scalars (real) or 2n interleaved
+ * scalars re0, im0, re1, im1, ... (complex, cplx != 0). `alloc` is the
+ * number of scalars the record owns at `data`; 0 or less means the storage
+ * belongs to the caller and is never freed, reallocated or written by the
+ * library's sizing. Storage only grows.
+ */
+typedef struct {
+    float delta;     /* sample spacing; 1.0 after init */
+    float *data;     /* samples */
+    int32_t alloc;   /* scalars owned at data (<= 0: not owned) */
+    int32_t n;       /* number of points */
+    int32_t cplx;    /* nonzero: complex samples */
+    int32_t reserved;/* zeroed by init/destroy, otherwise untouched */
+} dspf_signal;
+
+typedef struct {
+    double delta;
+    double *data;
+    int32_t alloc;
+    int32_t n;
+    int32_t cplx;
+    int32_t reserved;
+} dsp_signal;
+
+/* ------------------------------------------------------------------------
+ * Window kinds (values 0 to 23; several names per value)
+ * ------------------------------------------------------------------------ */
+
+typedef int32_t dsp_window;
+
+enum {
+    DSP_WINDOW_UNIFORM = 0,
+    DSP_WINDOW_RECTANGULAR = 0,
+    DSP_WINDOW_NONE = 0,
+    DSP_WINDOW_P000 = 0,
+    DSP_WINDOW_BARTLETT = 1,
+    DSP_WINDOW_TRIANGULAR = 1,
+    DSP_WINDOW_HANN = 2,
+    DSP_WINDOW_P110 = 2,
+    DSP_WINDOW_HAMMING = 3,
+    DSP_WINDOW_P100 = 3,
+    DSP_WINDOW_BLACKMAN = 4,
+    DSP_WINDOW_BLACKMAN_HARRIS3 = 5,
+    DSP_WINDOW_P200 = 5,
+    DSP_WINDOW_BLACKMAN_HARRIS4 = 6,
+    DSP_WINDOW_P310 = 6,
+    DSP_WINDOW_LOWLEAK = 6,
+    DSP_WINDOW_GAUSSTOP = 7,
+    DSP_WINDOW_P400 = 7,
+    DSP_WINDOW_FLAT4 = 8,
+    DSP_WINDOW_P301 = 8,
+    DSP_WINDOW_FLATTOP = 9,
+    DSP_WINDOW_FLAT5 = 9,
+    DSP_WINDOW_P401 = 9,
+    DSP_WINDOW_FLAT6 = 10,
+    DSP_WINDOW_P511 = 10,
+    DSP_WINDOW_FLAT7 = 11,
+    DSP_WINDOW_P611 = 11,
+    DSP_WINDOW_P501 = 12,
+    DSP_WINDOW_P601 = 13,
+    DSP_WINDOW_KAISER70 = 14,
+    DSP_WINDOW_KAISER80 = 15,
+    DSP_WINDOW_KAISER90 = 16,
+    DSP_WINDOW_KAISER100 = 17,
+    DSP_WINDOW_KAISER110 = 18,
+    DSP_WINDOW_KAISER120 = 19,
+    DSP_WINDOW_GAUSS60 = 20,
+    DSP_WINDOW_GAUSS70 = 21,
+    DSP_WINDOW_GAUSS80 = 22,
+    DSP_WINDOW_RIEMANN = 23,
+    DSP_WINDOW_SINC_LOBE = 23
+};
+
+/* ------------------------------------------------------------------------
+ * Record management and allocator hooks
+ * ------------------------------------------------------------------------ */
+
+/* Allocation hook: replaces free-then-malloc in dspf_alloc; must leave the
+ * new storage (or null) in data. */
+typedef void (*dspf_alloc_hook)(dspf_signal *);
+/* Reallocation hook: replaces realloc in dspf_realloc; called with the
+ * record, the previous point count and the previous complex flag. */
+typedef void (*dspf_realloc_hook)(dspf_signal *, int prev_n, int prev_cplx);
+/* Free hook: replaces free in dspf_destroy. */
+typedef void (*dspf_free_hook)(dspf_signal *);
+typedef void (*dsp_alloc_hook)(dsp_signal *);
+typedef void (*dsp_realloc_hook)(dsp_signal *, int prev_n, int prev_cplx);
+typedef void (*dsp_free_hook)(dsp_signal *);
+
+/* delta 1, data null, alloc/n/cplx/reserved 0. Frees nothing. */
+DSP_API int dspf_init(dspf_signal *x);
+DSP_API int dsp_init(dsp_signal *x);
+/* Frees owned storage (free hook if set), then resets like init. */
+DSP_API int dspf_destroy(dspf_signal *x);
+DSP_API int dsp_destroy(dsp_signal *x);
+/* Sizes the storage for n points of the record's kind; contents are not
+ * kept when a new block is taken. */
+DSP_API int dspf_alloc(dspf_signal *x);
+DSP_API int dsp_alloc(dsp_signal *x);
+/* Like alloc, but keeps the leading points of the previous shape. */
+DSP_API int dspf_realloc(dspf_signal *x, int prev_n, int prev_cplx);
+DSP_API int dsp_realloc(dsp_signal *x, int prev_n, int prev_cplx);
+/* Appends the points of b to a (a becomes complex if b is). */
+DSP_API int dspf_append(dspf_signal *a, const dspf_signal *b);
+DSP_API int dsp_append(dsp_signal *a, const dsp_signal *b);
+/* dst becomes a copy of src (delta, cplx, n, samples). */
+DSP_API int dspf_copy(dspf_signal *dst, const dspf_signal *src);
+DSP_API int dsp_copy(dsp_signal *dst, const dsp_signal *src);
+/* Copies the first min(max(count, 0), src.n) points. */
+DSP_API int dspf_copy_at_most(dspf_signal *dst, const dspf_signal *src, int count);
+DSP_API int dsp_copy_at_most(dsp_signal *dst, const dsp_signal *src, int count);
+/* Tolerant three-way comparison: delta first, then the samples in storage
+ * order; -1 (result untouched) when the point counts differ. */
+DSP_API int dspf_cmp(const dspf_signal *a, const dspf_signal *b, float tol, int *result);
+DSP_API int dsp_cmp(const dsp_signal *a, const dsp_signal *b, double tol, int *result);
+
+DSP_API int dspf_lib_init(void);
+DSP_API int dsp_lib_init(void);
+/* Replace a hook (null restores the system allocator); the previous hook is
+ * stored through `previous` when it is not null. */
+DSP_API int dspf_lib_alloc(dspf_alloc_hook hook, dspf_alloc_hook *previous);
+DSP_API int dsp_lib_alloc(dsp_alloc_hook hook, dsp_alloc_hook *previous);
+DSP_API int dspf_lib_realloc(dspf_realloc_hook hook, dspf_realloc_hook *previous);
+DSP_API int dsp_lib_realloc(dsp_realloc_hook hook, dsp_realloc_hook *previous);
+DSP_API int dspf_lib_free(dspf_free_hook hook, dspf_free_hook *previous);
+DSP_API int dsp_lib_free(dsp_free_hook hook, dsp_free_hook *previous);
+/* Releases every internal cache and scratch record of one precision. */
+DSP_API int dspf_free_internal(void);
+DSP_API int dsp_free_internal(void);
+/* The library version, 205. */
+DSP_API int dspf_version(void);
+DSP_API int dsp_version(void);
+
+/* ------------------------------------------------------------------------
+ * Utilities (result may be the source record unless stated)
+ * ------------------------------------------------------------------------ */
+
+/* Points start .. start+count-1 of src, clamped to src. */
+DSP_API int dspfu_subvec(const dspf_signal *src, dspf_signal *dst, int start, int count);
+DSP_API int dspu_subvec(const dsp_signal *src, dsp_signal *dst, int start, int count);
+/* Single-precision copy; -1 when src and dst are the same record. */
+DSP_API int dspfu_tof(const dspf_signal *src, dspf_signal *dst);
+DSP_API int dspu_tof(const dsp_signal *src, dspf_signal *dst);
+/* Real record of magnitudes. */
+DSP_API int dspfu_mag(const dspf_signal *src, dspf_signal *dst);
+DSP_API int dspu_mag(const dsp_signal *src, dsp_signal *dst);
+/* Real record of squared magnitudes, clamped to the large value L. */
+DSP_API int dspfu_magsq(const dspf_signal *src, dspf_signal *dst);
+DSP_API int dspu_magsq(const dsp_signal *src, dsp_signal *dst);
+/* Square roots (principal root for complex; 0 for negative reals). */
+DSP_API int dspfu_sqrt(const dspf_signal *src, dspf_signal *dst);
+DSP_API int dspu_sqrt(const dsp_signal *src, dsp_signal *dst);
+
+/* ------------------------------------------------------------------------
+ * Representation conversions (in place)
+ * ------------------------------------------------------------------------ */
+
+DSP_API int dspfi_real(dspf_signal *x);
+DSP_API int dspi_real(dsp_signal *x);
+DSP_API int dspfi_imag(dspf_signal *x);
+DSP_API int dspi_imag(dsp_signal *x);
+DSP_API int dspfi_rtoc(dspf_signal *x);
+DSP_API int dspi_rtoc(dsp_signal *x);
+DSP_API int dspfi_rtop(dspf_signal *x);
+DSP_API int dspi_rtop(dsp_signal *x);
+DSP_API int dspfi_ptor(dspf_signal *x);
+DSP_API int dspi_ptor(dsp_signal *x);
+DSP_API int dspfi_mag(dspf_signal *x);
+DSP_API int dspi_mag(dsp_signal *x);
+DSP_API int dspfi_magsq(dspf_signal *x);
+DSP_API int dspi_magsq(dsp_signal *x);
+DSP_API int dspfi_phase(dspf_signal *x);
+DSP_API int dspi_phase(dsp_signal *x);
+DSP_API int dspfi_conj(dspf_signal *x);
+DSP_API int dspi_conj(dsp_signal *x);
+DSP_API int dspfi_timesi(dspf_signal *x);
+DSP_API int dspi_timesi(dsp_signal *x);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* DSP_H */

@@ -1,0 +1,42 @@
+// Release of every internal cache and scratch record of one precision.
+#include "frame/free_internal.hpp"
+
+#include "frame/prepare.hpp"
+
+namespace dsp {
+
+// Release steps of the modules that keep internal state. Each destroys its
+// module's records, frees its tables, clears its "built" flags and is
+// harmless when nothing was built.
+template <class T> int release_fir_scratch();
+template <class T> int release_sfir_scratch();
+template <class T> int release_bitrev_tables();
+template <class T> int release_dct_cache();
+template <class T> int release_dft_scratch();
+template <class T> int release_twiddle_tables();
+template <class T> int release_window_cache();
+
+template <class T>
+int free_internal() {
+    using step = int (*)();
+    // The fixed release order. A module plugs its step in here, in its slot;
+    // an empty slot is a module that keeps no state yet.
+    const step steps[8] = {
+        nullptr,                    // 1 FIR filtering: three work records
+        nullptr,                    // 2 symmetric FIR filtering: work record
+        nullptr,                    // 3 bit-reversal index tables
+        nullptr,                    // 4 DCT: work record and rotation table
+        nullptr,                    // 5 DFT: chirp and kernel records
+        release_result_scratch<T>,  // 6 result preparation: output scratch and state
+        nullptr,                    // 7 FFT twiddle tables
+        nullptr,                    // 8 window cache
+    };
+    for (step s : steps)
+        if (s && s() != 0) return -1;
+    return 0;
+}
+
+template int free_internal<float>();
+template int free_internal<double>();
+
+}  // namespace dsp

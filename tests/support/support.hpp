@@ -1,0 +1,89 @@
+// Shared helpers of the test suite: typed tests over both precisions,
+// owning records and a way to call the C export of the precision under test.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <initializer_list>
+#include <type_traits>
+#include <vector>
+
+#include "dsp.h"
+#include "frame/traits.hpp"
+
+namespace dsp_test {
+
+using Precisions = ::testing::Types<float, double>;
+
+template <class T>
+using sig = dsp::signal_t<T>;
+
+template <class T, class F, class D>
+constexpr auto pick(F f, D d) {
+    if constexpr (std::is_same_v<T, float>)
+        return f;
+    else
+        return d;
+}
+
+// The C export of the precision TypeParam: DSP(i_real) is dspfi_real in the
+// single family and dspi_real in the double family.
+#define DSP(x) (::dsp_test::pick<TypeParam>(dspf##x, dsp##x))
+
+// A record the test owns; destroyed through the library at scope exit.
+template <class T>
+struct Rec {
+    sig<T> s;
+    Rec() { init_(); }
+    explicit Rec(std::initializer_list<T> v, bool cplx = false, T delta = T(1)) {
+        init_();
+        set(std::vector<T>(v), cplx, delta);
+    }
+    Rec(const Rec &) = delete;
+    Rec &operator=(const Rec &) = delete;
+    ~Rec() { pick<T>(dspf_destroy, dsp_destroy)(&s); }
+
+    // Replaces the contents: v holds n scalars (real) or 2n (complex).
+    void set(const std::vector<T> &v, bool cplx = false, T delta = T(1)) {
+        s.cplx = cplx ? 1 : 0;
+        s.n = int32_t(cplx ? v.size() / 2 : v.size());
+        s.delta = delta;
+        EXPECT_EQ(pick<T>(dspf_alloc, dsp_alloc)(&s), 0);
+        for (size_t i = 0; i < v.size(); ++i) s.data[i] = v[i];
+    }
+    // The scalars the record holds.
+    std::vector<T> values() const {
+        const size_t count = size_t(s.cplx ? 2 * s.n : s.n);
+        return std::vector<T>(s.data, s.data + (s.n > 0 ? count : 0));
+    }
+    sig<T> *operator&() { return &s; }
+    sig<T> *get() { return &s; }
+    sig<T> &operator*() { return s; }
+    sig<T> *operator->() { return &s; }
+
+   private:
+    void init_() { pick<T>(dspf_init, dsp_init)(&s); }
+};
+
+// Expects the record's scalars to equal `want` within tol (exact by default).
+template <class T>
+void expect_values(const sig<T> &s, const std::vector<T> &want, double tol = 0.0) {
+    const size_t count = size_t(s.cplx ? 2 * s.n : s.n);
+    ASSERT_EQ(count, want.size());
+    for (size_t i = 0; i < count; ++i) {
+        if (tol == 0.0)
+            EXPECT_EQ(s.data[i], want[i]) << "scalar " << i;
+        else
+            EXPECT_NEAR(double(s.data[i]), double(want[i]), tol) << "scalar " << i;
+    }
+}
+
+// Relative tolerance suited to the precision: a few units in the last place.
+template <class T>
+constexpr double ulps(double k = 4) {
+    return k * (std::is_same_v<T, float> ? 1.1920929e-7 : 2.220446049250313e-16);
+}
+
+}  // namespace dsp_test
