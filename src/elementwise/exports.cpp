@@ -27,4 +27,16 @@ int dspi_conj(dsp_signal *x) { return conj<double>(*x); }
 int dspfi_timesi(dspf_signal *x) { return timesi<float>(*x); }
 int dspi_timesi(dsp_signal *x) { return timesi<double>(*x); }
 
+// Arithmetic and math functions.
+
+// (end of arithmetic)
+
+// Sequence rearrangement.
+
+// (end of rearrangement)
+
+// Differences, integration and phase unwrapping.
+
+// (end of differences)
+
 }  // extern "C"
