@@ -268,19 +268,24 @@ void register_cfft() {
 // ---------------------------------------------------------------------------
 // Summary table.
 
-// Keeps the real time per iteration of every run, keyed by its name
-// ("family/contender/n").
+// Keeps the CPU time per iteration of every run (the median when the runs
+// are repeated), keyed by its name ("family/contender/n"). CPU time rather
+// than wall time keeps the comparison fair on a busy machine.
 class collecting_reporter : public benchmark::ConsoleReporter {
    public:
     std::map<std::string, double> ns;
     void ReportRuns(const std::vector<Run> &runs) override {
-        for (const auto &r : runs)
-            if (r.run_type == Run::RT_Iteration && !r.error_occurred)
-                ns[r.benchmark_name()] = r.GetAdjustedRealTime() *
-                                         (r.time_unit == benchmark::kNanosecond    ? 1.0
-                                          : r.time_unit == benchmark::kMicrosecond ? 1e3
-                                          : r.time_unit == benchmark::kMillisecond ? 1e6
-                                                                                   : 1e9);
+        for (const auto &r : runs) {
+            if (r.error_occurred) continue;
+            const bool median = r.run_type == Run::RT_Aggregate && r.aggregate_name == "median";
+            const std::string name = r.run_name.str();
+            if (!median && (r.run_type != Run::RT_Iteration || ns.count(name))) continue;
+            const double unit = r.time_unit == benchmark::kNanosecond    ? 1.0
+                                : r.time_unit == benchmark::kMicrosecond ? 1e3
+                                : r.time_unit == benchmark::kMillisecond ? 1e6
+                                                                         : 1e9;
+            ns[name] = r.GetAdjustedCPUTime() * unit;
+        }
         ConsoleReporter::ReportRuns(runs);
     }
 };
