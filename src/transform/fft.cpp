@@ -224,11 +224,8 @@ void bitrev_blocked(T *d, int b, T s) {
     auto store = [&](const T *buf, uint32_t m) {
         for (int a = 0; a < Q; ++a) {
             T *dst = d + 2 * (a * stride + int64_t(m) * Q);
-            for (int c = 0; c < Q; ++c) {
-                const T *src = buf + 2 * (Q * rq[c] + rq[a]);
-                dst[2 * c] = src[0];
-                dst[2 * c + 1] = src[1];
-            }
+            for (int c = 0; c < Q; ++c)  // one point: both scalars in one move
+                std::memcpy(dst + 2 * c, buf + 2 * (Q * rq[c] + rq[a]), 2 * sizeof(T));
         }
     };
     const uint32_t M = uint32_t(1) << r;
