@@ -4,9 +4,9 @@
 #include <numeric>
 #include <string>
 
+#include "elementwise/bessel.hpp"
 #include "support/python.hpp"
 #include "support/support.hpp"
-#include "elementwise/bessel.hpp"
 #include "window/catalogue.hpp"
 #include "window/window.hpp"
 
@@ -41,7 +41,8 @@ template <class T>
 void expect_close(const std::vector<double> &got, const std::vector<double> &want, double tol,
                   const std::string &what) {
     ASSERT_EQ(got.size(), want.size()) << what;
-    for (size_t i = 0; i < got.size(); ++i) EXPECT_NEAR(got[i], want[i], tol) << what << " [" << i << "]";
+    for (size_t i = 0; i < got.size(); ++i)
+        EXPECT_NEAR(got[i], want[i], tol) << what << " [" << i << "]";
 }
 
 }  // namespace
@@ -67,12 +68,15 @@ TYPED_TEST(WindowGenerate, CoefficientTablesAreConsistent) {
             EXPECT_NEAR(mean.a[j] / mean.a[0], peak.a[j] / peak.a[0], tol) << kind;
             // The two families hold the same values.
             EXPECT_NEAR(dsp::cosine_coefficients<float>(kind, 1).a[j],
-                        dsp::cosine_coefficients<double>(kind, 1).a[j], tol) << kind;
+                        dsp::cosine_coefficients<double>(kind, 1).a[j], tol)
+                << kind;
         }
         EXPECT_NEAR(double(sum), 1.0, tol) << kind;
         EXPECT_NEAR(double(energy), 1.0, tol) << kind;
-        if (kind <= 7) EXPECT_EQ(mean.a[0], T(1)) << kind;
-        else EXPECT_LT(mean.a[0], T(1)) << kind;
+        if (kind <= 7)
+            EXPECT_EQ(mean.a[0], T(1)) << kind;
+        else
+            EXPECT_LT(mean.a[0], T(1)) << kind;
     }
     if constexpr (std::is_same_v<T, double>) {
         EXPECT_EQ(dsp::cosine_coefficients<T>(3, 2).a[0], 0.54);
@@ -93,8 +97,9 @@ TYPED_TEST(WindowGenerate, HannExampleAndRotation) {
     ASSERT_EQ(DSP(i_window)(&x, DSP_WINDOW_HANN, 2), 0);
     EXPECT_EQ(x->cplx, 1);
     EXPECT_EQ(x->delta, T(0.5));
-    expect_values<T>(*x, {1, 2, T(0.853553), T(1.707107), 0.5, 1, T(0.146447), T(0.292893), 0, 0,
-                          T(0.146447), T(0.292893), 0.5, 1, T(0.853553), T(1.707107)},
+    expect_values<T>(*x,
+                     {1, 2, T(0.853553), T(1.707107), 0.5, 1, T(0.146447), T(0.292893), 0, 0,
+                      T(0.146447), T(0.292893), 0.5, 1, T(0.853553), T(1.707107)},
                      tol);
     // Odd length: centre at index 2, distances 1 and 2.
     const double c1 = 0.5 + 0.5 * std::cos(2 * M_PI / 5), c2 = 0.5 + 0.5 * std::cos(4 * M_PI / 5);
@@ -142,12 +147,15 @@ TYPED_TEST(WindowGenerate, NormalisationModes) {
     using T = TypeParam;
     for (int kind = 1; kind <= 24; ++kind) {
         // The flat-top kinds hold nine-digit coefficients in both families.
-        const double tol = std::is_same_v<T, float> ? 2e-6 : (kind >= 8 && kind <= 13) ? 3e-8 : 1e-12;
+        const double tol = std::is_same_v<T, float>    ? 2e-6
+                           : (kind >= 8 && kind <= 13) ? 3e-8
+                                                       : 1e-12;
         for (int n : {1, 2, 3, 4, 5, 6, 8, 13, 64, 101, 1000}) {
             const std::vector<double> m0 = make<T>(kind, n, 0), m1 = make<T>(kind, n, 1),
                                       m2 = make<T>(kind, n, 2);
             const std::string what = "kind " + std::to_string(kind) + " n " + std::to_string(n);
-            const double a0 = dsp::is_cosine_kind(kind) ? dsp::cosine_coefficients<T>(kind, 0).a[0] : 1.0;
+            const double a0 =
+                dsp::is_cosine_kind(kind) ? dsp::cosine_coefficients<T>(kind, 0).a[0] : 1.0;
             EXPECT_NEAR(double(mean_of(m0)), a0, tol * 4) << what;
             EXPECT_NEAR(double(rms_of(m1)), 1.0, tol * 4) << what;
             EXPECT_NEAR(m2[size_t(n / 2)], 1.0, tol) << what;
@@ -177,11 +185,14 @@ print(' '.join(repr(float(v)) for v in out))
         return v;
     };
     for (int n : {8, 64}) {
-        for (int kind : {int(DSP_WINDOW_HANN), int(DSP_WINDOW_HAMMING), int(DSP_WINDOW_BLACKMAN), int(DSP_WINDOW_KAISER70), 24})
-            expect_close<T>(make<T>(kind, n, 2), next(n), kind >= 14 ? tol * 10 : tol, "kind " + std::to_string(kind));
+        for (int kind : {int(DSP_WINDOW_HANN), int(DSP_WINDOW_HAMMING), int(DSP_WINDOW_BLACKMAN),
+                         int(DSP_WINDOW_KAISER70), 24})
+            expect_close<T>(make<T>(kind, n, 2), next(n), kind >= 14 ? tol * 10 : tol,
+                            "kind " + std::to_string(kind));
         // Gauss60 in the double family (the single family stores 0.158372194).
         const std::vector<double> g = next(n);
-        if (std::is_same_v<T, double>) expect_close<T>(make<T>(DSP_WINDOW_GAUSS60, n, 2), g, tol, "gauss60");
+        if (std::is_same_v<T, double>)
+            expect_close<T>(make<T>(DSP_WINDOW_GAUSS60, n, 2), g, tol, "gauss60");
     }
     for (int n : {7, 8}) {
         Rec<T> k, g;
@@ -208,9 +219,15 @@ TYPED_TEST(WindowGenerate, LayoutsAndFamilies) {
     // Odd n: symmetric sampling equals periodic sampling.
     for (int n : {1, 5, 9}) {
         for (int mode : {0, 1, 2}) {
-            auto g = [&](int f) { return gen([&](sig<T> *x) { return DSP(i_window_gauss)(x, T(0.2), f); }, n); };
-            auto s = [&](int f) { return gen([&](sig<T> *x) { return DSP(i_window_sinc)(x, T(2), T(1.5), f); }, n); };
-            auto t = [&](int f) { return gen([&](sig<T> *x) { return DSP(i_window_tukey)(x, T(0.5), f); }, n); };
+            auto g = [&](int f) {
+                return gen([&](sig<T> *x) { return DSP(i_window_gauss)(x, T(0.2), f); }, n);
+            };
+            auto s = [&](int f) {
+                return gen([&](sig<T> *x) { return DSP(i_window_sinc)(x, T(2), T(1.5), f); }, n);
+            };
+            auto t = [&](int f) {
+                return gen([&](sig<T> *x) { return DSP(i_window_tukey)(x, T(0.5), f); }, n);
+            };
             EXPECT_EQ(g(mode | 32), g(mode | 36));
             EXPECT_EQ(s(mode | 32), s(mode | 36));
             EXPECT_EQ(t(mode | 32), t(mode | 36));
@@ -228,9 +245,12 @@ TYPED_TEST(WindowGenerate, LayoutsAndFamilies) {
         const long double h = 0.5L * n / 2;
         tukey[i] = d <= h ? 1.0 : double(0.5L + 0.5L * std::cos(2 * M_PIl / (0.5L * n) * (d - h)));
     }
-    expect_close<T>(gen([](sig<T> *x) { return DSP(i_window_gauss)(x, T(0.2), 38); }, n), want, tol, "gauss");
-    expect_close<T>(gen([](sig<T> *x) { return DSP(i_window_sinc)(x, T(2), T(1.5), 38); }, n), sinc, tol, "sinc");
-    expect_close<T>(gen([](sig<T> *x) { return DSP(i_window_tukey)(x, T(0.5), 38); }, n), tukey, tol, "tukey");
+    expect_close<T>(gen([](sig<T> *x) { return DSP(i_window_gauss)(x, T(0.2), 38); }, n), want, tol,
+                    "gauss");
+    expect_close<T>(gen([](sig<T> *x) { return DSP(i_window_sinc)(x, T(2), T(1.5), 38); }, n), sinc,
+                    tol, "sinc");
+    expect_close<T>(gen([](sig<T> *x) { return DSP(i_window_tukey)(x, T(0.5), 38); }, n), tukey,
+                    tol, "tukey");
     // Sigma 0: a single 1 at the centre (two for symmetric even n).
     EXPECT_EQ(gen([](sig<T> *x) { return DSP(i_window_gauss)(x, T(0), 34); }, 6),
               (std::vector<double>{0, 0, 0, 1, 0, 0}));
@@ -244,7 +264,8 @@ TYPED_TEST(WindowGenerate, LayoutsAndFamilies) {
     expect_close<T>(make<T>(DSP_WINDOW_BARTLETT, 4, 2), {0, 0.5, 1, 0.5}, tol, "triangle 4");
     expect_close<T>(make<T>(DSP_WINDOW_BARTLETT, 5, 2), {0.2, 0.6, 1, 0.6, 0.2}, tol, "triangle 5");
     // Kaiser symmetric: the two outer samples are exactly 1 before scaling.
-    const std::vector<double> k = gen([](sig<T> *x) { return DSP(i_window_kaiser)(x, T(4), 38); }, 6);
+    const std::vector<double> k =
+        gen([](sig<T> *x) { return DSP(i_window_kaiser)(x, T(4), 38); }, 6);
     EXPECT_EQ(k[0], double(T(1) / dsp::bessel_i0<T>(T(4))));
     EXPECT_EQ(k[0], k[5]);
 }
@@ -275,9 +296,11 @@ TYPED_TEST(WindowGenerate, ExplicitWidth) {
     EXPECT_NEAR(double(mean_of(make<T>(DSP_WINDOW_FLATTOP, 16, 8, T(9)))),
                 dsp::cosine_coefficients<T>(9, 0).a[0], tol);
     // Width equal to n is the plain window.
-    expect_close<T>(make<T>(DSP_WINDOW_BLACKMAN, 16, 8, T(16)), make<T>(DSP_WINDOW_BLACKMAN, 16, 0), tol, "width n");
+    expect_close<T>(make<T>(DSP_WINDOW_BLACKMAN, 16, 8, T(16)), make<T>(DSP_WINDOW_BLACKMAN, 16, 0),
+                    tol, "width n");
     // Uniform box: the first ceil(p) samples, not centred, scaled to unit mean.
-    expect_close<T>(make<T>(DSP_WINDOW_UNIFORM, 8, 2 | 8, T(2.5)), {1, 1, 1, 0, 0, 0, 0, 0}, 0, "box");
+    expect_close<T>(make<T>(DSP_WINDOW_UNIFORM, 8, 2 | 8, T(2.5)), {1, 1, 1, 0, 0, 0, 0, 0}, 0,
+                    "box");
     expect_close<T>(make<T>(DSP_WINDOW_UNIFORM, 4, 8, T(2)), {2, 2, 0, 0}, tol, "box mean");
     // The box is rotated only on request.
     Rec<T> x({1, 1, 1, 1});
@@ -302,13 +325,15 @@ TYPED_TEST(WindowGenerate, CosineAndFilterDesignWindows) {
     const int n = 31;
     const double p = 0.1, a = 7.95 + 14.36 * (n - 1) * p;
     const double beta = 0.1102 * (a - 8.7);
-    const std::vector<double> ref = python("import scipy.signal.windows as w\nprint(' '.join(repr(float(v)) for v in w.kaiser(" +
-                                           std::to_string(n) + ", " + std::to_string(beta) + ", sym=True)))");
+    const std::vector<double> ref = python(
+        "import scipy.signal.windows as w\nprint(' '.join(repr(float(v)) for v in w.kaiser(" +
+        std::to_string(n) + ", " + std::to_string(beta) + ", sym=True)))");
     Rec<T> k;
     k.set(std::vector<T>(size_t(n), T(1)));
     ASSERT_EQ(DSP(i_window_fir)(&k, 101, T(p)), 0);
     std::vector<T> kv = k.values();
-    expect_close<T>({kv.begin(), kv.end()}, ref, std::is_same_v<T, float> ? 1e-5 : 1e-9, "fir kaiser");
+    expect_close<T>({kv.begin(), kv.end()}, ref, std::is_same_v<T, float> ? 1e-5 : 1e-9,
+                    "fir kaiser");
     // Code 100 with p = 0 leaves the record; a cosine kind fails (symmetric).
     Rec<T> z({1, 2, 3});
     EXPECT_EQ(DSP(i_window_fir)(&z, 100, T(0)), 0);
