@@ -163,3 +163,123 @@ TYPED_TEST(Rearrange, UnzpadEveryPlacementAndScaling) {
                                          16 * ulps<T>());
                     }
 }
+
+TYPED_TEST(Rearrange, LengthChangeFailures) {
+    using T = TypeParam;
+    // Invalid flags in zpad2 fail after the record has been lengthened.
+    for (int flags : {0x400, 0x700, 0x103}) {
+        Rec<T> a({1, 2, 3, 4}, true);
+        EXPECT_EQ(DSP(i_zpad2)(&a, 4, flags), -1);
+        EXPECT_EQ(a->n, 4);
+        expect_values<T>(*a, {1, 2, 3, 4, 0, 0, 0, 0});
+        EXPECT_EQ(DSP(i_unzpad)(&a, 1, flags), -1);
+        EXPECT_EQ(a->n, 4);
+        // Length requests that change nothing succeed before the flags count.
+        EXPECT_EQ(DSP(i_zpad2)(&a, 3, flags), 0);
+        EXPECT_EQ(DSP(i_unzpad)(&a, 4, flags), 0);
+        EXPECT_EQ(a->n, 4);
+    }
+    Rec<T> b{1, 2, 3};
+    EXPECT_EQ(DSP(i_zpad)(&b, 2), 0);
+    expect_values<T>(*b, {1, 2, 3});
+    // Truncating to nothing keeps the values unscaled.
+    EXPECT_EQ(DSP(i_unzpad)(&b, 0, 0x100), 0);
+    EXPECT_EQ(b->n, 0);
+    EXPECT_EQ(b->data[1], T(2));
+}
+
+TYPED_TEST(Rearrange, CallerStorageIsNeverWritten) {
+    using T = TypeParam;
+    T buf[4] = {1, 2, 3, 4};
+    auto wrap = [&](Rec<T> &r, bool cplx) {
+        r->data = buf;
+        r->n = cplx ? 2 : 4;
+        r->cplx = cplx;
+    };
+    {
+        Rec<T> r;
+        wrap(r, true);
+        EXPECT_EQ(DSP(i_shift)(&r, 1), 0);
+        expect_values<T>(*r, {3, 4});
+        EXPECT_NE(r->data, buf);
+    }
+    {
+        Rec<T> r;
+        wrap(r, false);
+        EXPECT_EQ(DSP(i_zpad)(&r, 6), 0);
+        expect_values<T>(*r, {1, 2, 3, 4, 0, 0});
+    }
+    {
+        Rec<T> r;
+        wrap(r, false);
+        r->delta = T(2);
+        EXPECT_EQ(DSP(i_zinter)(&r), 0);
+        expect_values<T>(*r, {1, 0, 2, 0, 3, 0, 4, 0});
+        EXPECT_EQ(r->delta, T(1));
+    }
+    {
+        Rec<T> r;
+        wrap(r, true);
+        EXPECT_EQ(DSP(i_zpad2)(&r, 3, 0x202), 0);
+        expect_values<T>(*r, {0, 0, 1, 2, 3, 4});
+    }
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(buf[i], T(i + 1));
+}
+
+TYPED_TEST(Rearrange, ReverseShiftInterleave) {
+    using T = TypeParam;
+    Rec<T> a{1, 2, 3, 4, 5};
+    EXPECT_EQ(DSP(i_rev)(&a), 0);
+    expect_values<T>(*a, {5, 4, 3, 2, 1});
+    Rec<T> c({1, 2, 3, 4, 5, 6, 7, 8}, true);
+    EXPECT_EQ(DSP(i_rev)(&c), 0);
+    expect_values<T>(*c, {7, 8, 5, 6, 3, 4, 1, 2});
+
+    // shift: in place in the owned block, clamped like subvec.
+    const T *block = c->data;
+    EXPECT_EQ(DSP(i_shift)(&c, 3), 0);
+    EXPECT_EQ(c->data, block);
+    expect_values<T>(*c, {1, 2});
+    EXPECT_EQ(DSP(i_shift)(&a, -2), 0);
+    expect_values<T>(*a, {5, 4, 3, 2, 1});
+    EXPECT_EQ(DSP(i_shift)(&a, 9), 0);
+    EXPECT_EQ(a->n, 0);
+
+    Rec<T> z({1, 2, 3, 4, 5, 6}, true);
+    EXPECT_EQ(DSP(i_zinter)(&z), 0);
+    EXPECT_EQ(z->delta, T(0.5));
+    expect_values<T>(*z, {1, 2, 0, 0, 3, 4, 0, 0, 5, 6, 0, 0});
+
+    // Empty and one-point records.
+    Rec<T> e, one{7};
+    for (sig<T> *r : {e.get(), one.get()}) {
+        const int n = r->n;
+        EXPECT_EQ(DSP(i_rev)(r), 0);
+        EXPECT_EQ(DSP(i_swap_halves)(r), 0);
+        EXPECT_EQ(DSP(i_swap_halves2)(r), 0);
+        EXPECT_EQ(DSP(i_sort)(r), 0);
+        EXPECT_EQ(r->n, n);
+        EXPECT_EQ(DSP(i_zinter)(r), 0);
+        EXPECT_EQ(r->n, 2 * n);
+    }
+    expect_values<T>(*one, {7, 0});
+}
+
+TYPED_TEST(Rearrange, SortOrder) {
+    using T = TypeParam;
+    Rec<T> r{3, -1, 2, -7, 0, 2};
+    EXPECT_EQ(DSP(i_sort)(&r), 0);
+    expect_values<T>(*r, {-7, -1, 0, 2, 2, 3});
+
+    // Complex: squared magnitude, then real part, then imaginary part.
+    Rec<T> c({3, 0, 0, -1, -1, 0, 0, 1, 1, 0}, true);
+    EXPECT_EQ(DSP(i_sort)(&c), 0);
+    expect_values<T>(*c, {-1, 0, 0, -1, 0, 1, 1, 0, 3, 0});
+
+    // Components beyond L all count as L^2: the huge points tie and go by
+    // real part, then by imaginary part, whatever their true magnitudes.
+    const T L = dsp::precision<T>::large;
+    Rec<T> h({2 * L, 0, 0, 3 * L, 0, 2 * L, 1, 0}, true);
+    EXPECT_EQ(DSP(i_sort)(&h), 0);
+    expect_values<T>(*h, {1, 0, 0, 2 * L, 0, 3 * L, 2 * L, 0});
+}
