@@ -167,3 +167,34 @@ TYPED_TEST(Rearrange, ReverseShiftInterleaveSort) {
     EXPECT_EQ(run<T>({2 * L, 0, 0, 3 * L, 0, 2 * L, 1, 0}, true, DSP(i_sort)),
               (V{1, 0, 0, 2 * L, 0, 3 * L, 2 * L, 0}));
 }
+
+TYPED_TEST(Rearrange, FailedGrowthKeepsNewLength) {
+    using T = TypeParam;
+    // A reallocation hook that fails; records wrap caller storage so that
+    // nothing is lost when the block goes.
+    using hook_t = void (*)(sig<T> *, int, int);
+    hook_t previous = nullptr;
+    DSP(_lib_realloc)([](sig<T> *s, int, int) { s->data = nullptr; }, &previous);
+    T buf[3] = {1, 2, 3};
+    const struct {
+        int (*op)(sig<T> *);
+        int n;
+    } cases[] = {
+        {[](sig<T> *s) { return DSP(i_zpad)(s, 5); }, 5},
+        {[](sig<T> *s) { return DSP(i_zpad2)(s, 4, 0x100); }, 4},
+        {DSP(i_zinter), 6},
+        {DSP(i_zero), 3},
+        {[](sig<T> *s) { return DSP(i_orecon)(s, 1); }, 5},
+    };
+    for (const auto &c : cases) {
+        Rec<T> r;
+        r->data = buf;
+        r->n = 3;
+        EXPECT_EQ(c.op(r.get()), -1);
+        EXPECT_EQ(r->n, c.n);
+        EXPECT_EQ(r->data, nullptr);
+        EXPECT_EQ(r->alloc, 0);
+    }
+    DSP(_lib_realloc)(previous, nullptr);
+    EXPECT_EQ(buf[2], T(3));
+}
