@@ -175,7 +175,7 @@ int zpad2(signal_t<T> &x, int m, int flags) {
     move_points(d, w, to, head, tail);
     zero_points(d, w, head, to - head);
     zero_points(d, w, to + tail, m - to - tail);
-    T f;
+    T f = T(1);
     if (length_scale<T>(flags & ZPAD_SCALE_MASK, n0, m, f)) {
         scale_points(d, w, 0, head, f);
         scale_points(d, w, to, tail, f);
@@ -209,7 +209,7 @@ int unzpad(signal_t<T> &x, int m, int flags) {
     T *d = x.data;
     move_points(d, w, head, from, tail);
     x.n = m;
-    T f;
+    T f = T(1);
     if (length_scale<T>(flags & ZPAD_SCALE_MASK, n0, m, f)) scale_points(d, w, 0, keep, f);
     return 0;
 }
