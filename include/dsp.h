@@ -225,11 +225,77 @@ DSP_API int dspi_timesi(dsp_signal *x);
  * Sequence rearrangement (in place)
  * ------------------------------------------------------------------------ */
 
+/* Reverses the order of the points. */
+DSP_API int dspfi_rev(dspf_signal *x);
+DSP_API int dspi_rev(dsp_signal *x);
+/* Drops the first k points (dspfu_subvec(x, x, k, n - k)). */
+DSP_API int dspfi_shift(dspf_signal *x, int k);
+DSP_API int dspi_shift(dsp_signal *x, int k);
+/* Rotates left by (n + 1) / 2 points: the zero-frequency point moves to n / 2. */
+DSP_API int dspfi_swap_halves(dspf_signal *x);
+DSP_API int dspi_swap_halves(dsp_signal *x);
+/* Rotates left by n / 2 points: the inverse of swap_halves. */
+DSP_API int dspfi_swap_halves2(dspf_signal *x);
+DSP_API int dspi_swap_halves2(dsp_signal *x);
+/* Sets all n points to zero (storage grown to n points if needed). */
+DSP_API int dspfi_zero(dspf_signal *x);
+DSP_API int dspi_zero(dsp_signal *x);
+/* Grows to m points, the new points zero; m <= n leaves the record as it is. */
+DSP_API int dspfi_zpad(dspf_signal *x, int m);
+DSP_API int dspi_zpad(dsp_signal *x, int m);
+/* Grows to m points. flags bits 0-1: scaling 0 = times m/n, 1 = times sqrt(m/n),
+ * 2 = none; bits 8-10: placement 0x000 = pad after, 0x100 = centred,
+ * 0x200 = pad before, 0x300 = padding in the middle (spectra). Invalid flags
+ * give -1 after the record has been lengthened. */
+DSP_API int dspfi_zpad2(dspf_signal *x, int m, int flags);
+DSP_API int dspi_zpad2(dsp_signal *x, int m, int flags);
+/* Shrinks to m points with the flags of zpad2: 0x000 keeps the first m points,
+ * 0x100 the centred ones, 0x200 the last ones, 0x300 the first (m + 1) / 2 and
+ * the last m / 2. m >= n leaves the record as it is; invalid flags give -1. */
+DSP_API int dspfi_unzpad(dspf_signal *x, int m, int flags);
+DSP_API int dspi_unzpad(dsp_signal *x, int m, int flags);
+/* Inserts a zero point after every point: n doubles, delta halves. */
+DSP_API int dspfi_zinter(dspf_signal *x);
+DSP_API int dspi_zinter(dsp_signal *x);
+/* Sorts ascending; complex points by squared magnitude, then real part, then
+ * imaginary part. */
+DSP_API int dspfi_sort(dspf_signal *x);
+DSP_API int dspi_sort(dsp_signal *x);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Differences, integration and phase unwrapping (in place)
  * ------------------------------------------------------------------------ */
+
+/* Running sum times delta. */
+DSP_API int dspfi_integ(dspf_signal *x);
+DSP_API int dspi_integ(dsp_signal *x);
+/* Backward difference over delta (the first output is x[0] / delta); a delta
+ * of exactly 0 multiplies by the large substitute value instead. */
+DSP_API int dspfi_differ(dspf_signal *x);
+DSP_API int dspi_differ(dsp_signal *x);
+/* Derivative of the polynomial whose coefficient of x^i is point i; n - 1. */
+DSP_API int dspfi_pdiffer(dspf_signal *x);
+DSP_API int dspi_pdiffer(dsp_signal *x);
+/* Replaces a real record by the times of its crossings of level, in delta
+ * units from sample 0; flags bit 0 rising, bit 1 falling. delta becomes 1. */
+DSP_API int dspfi_edge(dspf_signal *x, int flags, float level);
+DSP_API int dspi_edge(dsp_signal *x, int flags, double level);
+/* Unwraps a real phase record against the previous output. */
+DSP_API int dspfi_unwrap(dspf_signal *x);
+DSP_API int dspi_unwrap(dsp_signal *x);
+/* Unwraps a real phase record against the mean of up to w previous outputs;
+ * w = 0 brings every sample into [-pi, pi]; w = 1 is dspfi_unwrap. */
+DSP_API int dspfi_unwrap_wnd(dspf_signal *x, int w);
+DSP_API int dspi_unwrap_wnd(dsp_signal *x, int w);
+/* Half spectrum of n points to the full spectrum of 2(n - 1) points. */
+DSP_API int dspfi_recon(dspf_signal *x);
+DSP_API int dspi_recon(dsp_signal *x);
+/* Half spectrum of n points to the full spectrum of 2(n - 1) points (odd 0)
+ * or 2n - 1 points (odd nonzero). */
+DSP_API int dspfi_orecon(dspf_signal *x, int odd);
+DSP_API int dspi_orecon(dsp_signal *x, int odd);
 
 /* (end of section) */
 
