@@ -219,6 +219,77 @@ DSP_API int dspi_timesi(dsp_signal *x);
  * Arithmetic and math functions (in place)
  * ------------------------------------------------------------------------ */
 
+/* Every scalar negated (re and im of complex points). */
+DSP_API int dspfi_neg(dspf_signal *x);
+DSP_API int dspi_neg(dsp_signal *x);
+/* x + d; for complex points d is added to the real part only. */
+DSP_API int dspfi_offset(dspf_signal *x, float d);
+DSP_API int dspi_offset(dsp_signal *x, double d);
+/* Every scalar times a. */
+DSP_API int dspfi_scale(dspf_signal *x, float a);
+DSP_API int dspi_scale(dsp_signal *x, double a);
+/* Times the complex factor a + ib; a real record becomes complex (-1 when
+ * its storage cannot grow; cplx is then already 1). */
+DSP_API int dspfi_cscale(dspf_signal *x, float a, float b);
+DSP_API int dspi_cscale(dsp_signal *x, double a, double b);
+/* 1/x (L for 0); complex: conjugate over squared magnitude. The single
+ * family differs: a real zero also overwrites the scalar after it, and
+ * complex points are scaled by 1/L instead of 1/|x|^2. */
+DSP_API int dspfi_recip(dspf_signal *x);
+DSP_API int dspi_recip(dsp_signal *x);
+/* Square root, 0 for negative reals; principal root of complex points. */
+DSP_API int dspfi_sqrt(dspf_signal *x);
+DSP_API int dspi_sqrt(dsp_signal *x);
+/* x squared, L outside [-L, L]; complex square with the parts clamped. */
+DSP_API int dspfi_square(dspf_signal *x);
+DSP_API int dspi_square(dsp_signal *x);
+/* e^x, L above ln L; complex: magnitude e^re, phase im. */
+DSP_API int dspfi_exp(dspf_signal *x);
+DSP_API int dspi_exp(dsp_signal *x);
+/* 10^x, L above 15 (single) / 100 (double); complex: magnitude 10^re,
+ * phase im ln 10. Single family, real: the walk stops at the first sample
+ * below -L and leaves the rest unchanged. */
+DSP_API int dspfi_exp10(dspf_signal *x);
+DSP_API int dspi_exp10(dsp_signal *x);
+/* ln x, ln F below the smallest normal number F; complex logarithm. */
+DSP_API int dspfi_log(dspf_signal *x);
+DSP_API int dspi_log(dsp_signal *x);
+/* log10 x, log10 F below F; complex base-ten logarithm (the single family
+ * takes the real part of every complex point as L). */
+DSP_API int dspfi_log10(dspf_signal *x);
+DSP_API int dspi_log10(dsp_signal *x);
+/* k log10 x (k = 10 power, 20 amplitude), k log10 F below F. The single
+ * family on real data writes k log10 F in place and the decibel value into
+ * the following scalar; on complex data it behaves as dspfi_log10 times k. */
+DSP_API int dspfi_db(dspf_signal *x, float k);
+DSP_API int dspi_db(dsp_signal *x, double k);
+/* Real records only (-1 for complex, record untouched): sinh and cosh with
+ * L beyond +-ln L, asin and acos with 0 beyond [-1, 1], I0 (single only)
+ * with L beyond +-ln L, Y0 and Y1 with 0 for x <= 0. */
+DSP_API int dspfi_sinh(dspf_signal *x);
+DSP_API int dspi_sinh(dsp_signal *x);
+DSP_API int dspfi_cosh(dspf_signal *x);
+DSP_API int dspi_cosh(dsp_signal *x);
+DSP_API int dspfi_asin(dspf_signal *x);
+DSP_API int dspi_asin(dsp_signal *x);
+DSP_API int dspfi_acos(dspf_signal *x);
+DSP_API int dspi_acos(dsp_signal *x);
+DSP_API int dspfi_besi0(dspf_signal *x);
+DSP_API int dspfi_besy0(dspf_signal *x);
+DSP_API int dspi_besy0(dsp_signal *x);
+DSP_API int dspfi_besy1(dspf_signal *x);
+DSP_API int dspi_besy1(dsp_signal *x);
+/* Clips every scalar to [min(a, b), max(a, b)]; *clipped (if not null)
+ * receives 1 when a scalar lay outside, else 0. The single family takes an
+ * ignored second argument and sets every scalar not above the range to the
+ * lower bound. */
+DSP_API int dspfi_limit(dspf_signal *x, int unused, float a, float b, int *clipped);
+DSP_API int dspi_limit(dsp_signal *x, double a, double b, int *clipped);
+/* Adds amp cos(2 pi freq delta i + phase) to point i; on a complex record
+ * with flags bit 0 set, adds amp e^(i (2 pi freq delta i + phase)). */
+DSP_API int dspfi_addcos(dspf_signal *x, int flags, float freq, float amp, float phase);
+DSP_API int dspi_addcos(dsp_signal *x, int flags, double freq, double amp, double phase);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------

@@ -1,5 +1,6 @@
 // C exports of the element-wise operations.
 #include "dsp.h"
+#include "elementwise/arith.hpp"
 #include "elementwise/convert.hpp"
 #include "elementwise/differences.hpp"
 #include "elementwise/rearrange.hpp"
@@ -30,6 +31,55 @@ int dspfi_timesi(dspf_signal *x) { return timesi<float>(*x); }
 int dspi_timesi(dsp_signal *x) { return timesi<double>(*x); }
 
 // Arithmetic and math functions.
+int dspfi_neg(dspf_signal *x) { return dsp::neg<float>(*x); }
+int dspi_neg(dsp_signal *x) { return dsp::neg<double>(*x); }
+int dspfi_offset(dspf_signal *x, float d) { return dsp::offset<float>(*x, d); }
+int dspi_offset(dsp_signal *x, double d) { return dsp::offset<double>(*x, d); }
+int dspfi_scale(dspf_signal *x, float a) { return dsp::scale<float>(*x, a); }
+int dspi_scale(dsp_signal *x, double a) { return dsp::scale<double>(*x, a); }
+int dspfi_cscale(dspf_signal *x, float a, float b) { return dsp::cscale<float>(*x, a, b); }
+int dspi_cscale(dsp_signal *x, double a, double b) { return dsp::cscale<double>(*x, a, b); }
+int dspfi_recip(dspf_signal *x) { return dsp::recip<float>(*x); }
+int dspi_recip(dsp_signal *x) { return dsp::recip<double>(*x); }
+int dspfi_sqrt(dspf_signal *x) { return dsp::sqrt<float>(*x); }
+int dspi_sqrt(dsp_signal *x) { return dsp::sqrt<double>(*x); }
+int dspfi_square(dspf_signal *x) { return dsp::square<float>(*x); }
+int dspi_square(dsp_signal *x) { return dsp::square<double>(*x); }
+int dspfi_exp(dspf_signal *x) { return dsp::exp<float>(*x); }
+int dspi_exp(dsp_signal *x) { return dsp::exp<double>(*x); }
+int dspfi_exp10(dspf_signal *x) { return dsp::exp10<float>(*x); }
+int dspi_exp10(dsp_signal *x) { return dsp::exp10<double>(*x); }
+int dspfi_log(dspf_signal *x) { return dsp::log<float>(*x); }
+int dspi_log(dsp_signal *x) { return dsp::log<double>(*x); }
+int dspfi_log10(dspf_signal *x) { return dsp::log10<float>(*x); }
+int dspi_log10(dsp_signal *x) { return dsp::log10<double>(*x); }
+int dspfi_db(dspf_signal *x, float k) { return dsp::db<float>(*x, k); }
+int dspi_db(dsp_signal *x, double k) { return dsp::db<double>(*x, k); }
+int dspfi_sinh(dspf_signal *x) { return dsp::sinh<float>(*x); }
+int dspi_sinh(dsp_signal *x) { return dsp::sinh<double>(*x); }
+int dspfi_cosh(dspf_signal *x) { return dsp::cosh<float>(*x); }
+int dspi_cosh(dsp_signal *x) { return dsp::cosh<double>(*x); }
+int dspfi_asin(dspf_signal *x) { return dsp::asin<float>(*x); }
+int dspi_asin(dsp_signal *x) { return dsp::asin<double>(*x); }
+int dspfi_acos(dspf_signal *x) { return dsp::acos<float>(*x); }
+int dspi_acos(dsp_signal *x) { return dsp::acos<double>(*x); }
+int dspfi_besi0(dspf_signal *x) { return dsp::besi0<float>(*x); }
+int dspfi_besy0(dspf_signal *x) { return dsp::besy0<float>(*x); }
+int dspi_besy0(dsp_signal *x) { return dsp::besy0<double>(*x); }
+int dspfi_besy1(dspf_signal *x) { return dsp::besy1<float>(*x); }
+int dspi_besy1(dsp_signal *x) { return dsp::besy1<double>(*x); }
+int dspfi_limit(dspf_signal *x, int, float a, float b, int *clipped) {
+    return dsp::limit<float>(*x, a, b, clipped);
+}
+int dspi_limit(dsp_signal *x, double a, double b, int *clipped) {
+    return dsp::limit<double>(*x, a, b, clipped);
+}
+int dspfi_addcos(dspf_signal *x, int flags, float freq, float amp, float phase) {
+    return dsp::addcos<float>(*x, flags, freq, amp, phase);
+}
+int dspi_addcos(dsp_signal *x, int flags, double freq, double amp, double phase) {
+    return dsp::addcos<double>(*x, flags, freq, amp, phase);
+}
 
 // (end of arithmetic)
 
