@@ -374,6 +374,38 @@ DSP_API int dspi_orecon(dsp_signal *x, int odd);
  * Complex FFT, bit reversal and raw-array entry points
  * ------------------------------------------------------------------------ */
 
+/*
+ * In-place complex FFT of n = 2^k points (1, 2, 4, ...; else -1 and the
+ * record is untouched). inverse == 0: forward transform
+ * X[k] = (1/n) sum_m x[m] e^(-2 pi i k m / n); otherwise the unscaled inverse
+ * x[m] = sum_k X[k] e^(+2 pi i k m / n). Input and output in natural order;
+ * a real record becomes complex (except n = 1, which only updates delta).
+ * delta becomes 1 / (delta * n), or L when delta is 0. The bit-reversal and
+ * twiddle tables of each size are built on first use and kept until
+ * dspf_free_internal / dsp_free_internal.
+ */
+DSP_API int dspfi_fft(dspf_signal *x, int inverse);
+DSP_API int dspi_fft(dsp_signal *x, int inverse);
+/*
+ * Bit-reversal permutation of a record of 2^k points: point i and the point
+ * at the bit reversal of i (over k bits) change places (single scalars for a
+ * real record). bitrev_scale also multiplies every scalar by 1/n. -1 when n
+ * is not a power of two.
+ */
+DSP_API int dspfi_bitrev(dspf_signal *x);
+DSP_API int dspi_bitrev(dsp_signal *x);
+DSP_API int dspfi_bitrev_scale(dspf_signal *x);
+DSP_API int dspi_bitrev_scale(dsp_signal *x);
+/*
+ * dspfi_fft of the n points (cplx != 0: 2n interleaved scalars) at data,
+ * wrapped in a temporary record that does not own the array. Complex data
+ * is transformed in the caller's array. Real data must not be passed: the
+ * transform widens the temporary record into storage of its own, so the
+ * result is not in the caller's array and that storage is never released.
+ */
+DSP_API int cf_dspfi_fft(float *data, int n, int cplx, int inverse);
+DSP_API int cf_dspi_fft(double *data, int n, int cplx, int inverse);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
