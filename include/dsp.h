@@ -319,6 +319,11 @@ DSP_API int dspb_ritoc(const dsp_signal *re, const dsp_signal *im, dsp_signal *r
  * Dot product
  * ------------------------------------------------------------------------ */
 
+/* r = sum of a[i] * b[i] over equal-length records (complex products are not
+ * conjugated): one point, complex if either input is; r's delta is kept. */
+DSP_API int dspfbs_dot(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspbs_dot(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------

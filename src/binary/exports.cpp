@@ -1,5 +1,6 @@
 // C exports of the binary operations.
 #include "binary/binary.hpp"
+#include "binary/dot.hpp"
 #include "dsp.h"
 
 using namespace dsp;
@@ -65,6 +66,15 @@ int dspfb_ritoc(const dspf_signal *re, const dspf_signal *im, dspf_signal *r) {
 }
 int dspb_ritoc(const dsp_signal *re, const dsp_signal *im, dsp_signal *r) {
     return ritoc<double>(*re, *im, *r);
+}
+
+// Dot product.
+
+int dspfbs_dot(const dspf_signal *a, const dspf_signal *b, dspf_signal *r) {
+    return dot<float>(*a, *b, *r);
+}
+int dspbs_dot(const dsp_signal *a, const dsp_signal *b, dsp_signal *r) {
+    return dot<double>(*a, *b, *r);
 }
 
 }  // extern "C"
