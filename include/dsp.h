@@ -442,17 +442,79 @@ DSP_API int cf_dspi_fft(double *data, int n, int cplx, int inverse);
  * Element-wise binary arithmetic
  * ------------------------------------------------------------------------ */
 
+/*
+ * Two records in, one out: (a, b, r), r may be a or b. The result's delta is
+ * the mean of the inputs' deltas; it is complex if either input is, and a
+ * real operand counts as having imaginary part 0. Unequal point counts give
+ * -1 except for add, sub and pmul.
+ */
+/* a + b, a - b; the shorter input counts as zero-padded to the longer. */
+DSP_API int dspfb_add(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_add(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+DSP_API int dspfb_sub(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_sub(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+/* Point-wise (complex) product. */
+DSP_API int dspfb_mul(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_mul(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+/* a / b; a zero divisor gives L in every part for a nonzero dividend, 0 for
+ * a zero one (L = 1e15 single, 1e100 double). */
+DSP_API int dspfb_div(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_div(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+/* a * conj(b). */
+DSP_API int dspfb_conj_mul(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_conj_mul(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+/* b + w (a - b): folds record a into the running mean b with weight w. */
+DSP_API int dspfb_avg_add(const dspf_signal *a, const dspf_signal *b, dspf_signal *r, float w);
+DSP_API int dspb_avg_add(const dsp_signal *a, const dsp_signal *b, dsp_signal *r, double w);
+/* Larger / smaller point: reals by value (b on ties); complex points by
+ * squared magnitude in the double family. The single family returns b's
+ * point for two complex records and a's point (as (a, 0) when a is real)
+ * when the kinds differ. */
+DSP_API int dspfb_max(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_max(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+DSP_API int dspfb_min(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_min(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+/* Polynomial product: full linear convolution, a.n + b.n - 1 points (0 if
+ * either input is empty). */
+DSP_API int dspfb_pmul(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_pmul(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+/* Complex record (re[i], im[i]) from two real records of equal length. */
+DSP_API int dspfb_ritoc(const dspf_signal *re, const dspf_signal *im, dspf_signal *r);
+DSP_API int dspb_ritoc(const dsp_signal *re, const dsp_signal *im, dsp_signal *r);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Dot product
  * ------------------------------------------------------------------------ */
 
+/* r = sum of a[i] * b[i] over equal-length records (complex products are not
+ * conjugated): one point, complex if either input is; r's delta is kept. */
+DSP_API int dspfbs_dot(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspbs_dot(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Descriptive statistics
  * ------------------------------------------------------------------------ */
+
+/*
+ * (in, out): out (which may be in) becomes a one-point record, real or of
+ * the input's kind. Sums run over blocks of 2048 samples. Samples outside
+ * [-L, L] are guarded (L = 1e15 single, 1e100 double).
+ */
+/* Sum and mean of the samples (per part); 0 for an empty record. */
+DSP_API int dspfs_sum(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_sum(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_mean(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_mean(const dsp_signal *in, dsp_signal *out);
+/* Sum of squared magnitudes and root mean square (real results); a sample
+ * with a part outside [-L, L] adds L. */
+DSP_API int dspfs_magsq_sum(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_magsq_sum(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_rms(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_rms(const dsp_signal *in, dsp_signal *out);
 
 /* (end of section) */
 
