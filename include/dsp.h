@@ -296,17 +296,115 @@ DSP_API int dspi_addcos(dsp_signal *x, int flags, double freq, double amp, doubl
  * Sequence rearrangement (in place)
  * ------------------------------------------------------------------------ */
 
+/* Reverses the order of the points. */
+DSP_API int dspfi_rev(dspf_signal *x);
+DSP_API int dspi_rev(dsp_signal *x);
+/* Drops the first k points (dspfu_subvec(x, x, k, n - k)). */
+DSP_API int dspfi_shift(dspf_signal *x, int k);
+DSP_API int dspi_shift(dsp_signal *x, int k);
+/* Rotates left by (n + 1) / 2 points: the zero-frequency point moves to n / 2. */
+DSP_API int dspfi_swap_halves(dspf_signal *x);
+DSP_API int dspi_swap_halves(dsp_signal *x);
+/* Rotates left by n / 2 points: the inverse of swap_halves. */
+DSP_API int dspfi_swap_halves2(dspf_signal *x);
+DSP_API int dspi_swap_halves2(dsp_signal *x);
+/* Sets all n points to zero (storage grown to n points if needed). */
+DSP_API int dspfi_zero(dspf_signal *x);
+DSP_API int dspi_zero(dsp_signal *x);
+/* Grows to m points, the new points zero; m <= n leaves the record as it is. */
+DSP_API int dspfi_zpad(dspf_signal *x, int m);
+DSP_API int dspi_zpad(dsp_signal *x, int m);
+/* Grows to m points. flags bits 0-1: scaling 0 = times m/n, 1 = times sqrt(m/n),
+ * 2 = none; bits 8-10: placement 0x000 = pad after, 0x100 = centred,
+ * 0x200 = pad before, 0x300 = padding in the middle (spectra). Invalid flags
+ * give -1 after the record has been lengthened. */
+DSP_API int dspfi_zpad2(dspf_signal *x, int m, int flags);
+DSP_API int dspi_zpad2(dsp_signal *x, int m, int flags);
+/* Shrinks to m points with the flags of zpad2: 0x000 keeps the first m points,
+ * 0x100 the centred ones, 0x200 the last ones, 0x300 the first (m + 1) / 2 and
+ * the last m / 2. m >= n leaves the record as it is; invalid flags give -1. */
+DSP_API int dspfi_unzpad(dspf_signal *x, int m, int flags);
+DSP_API int dspi_unzpad(dsp_signal *x, int m, int flags);
+/* Inserts a zero point after every point: n doubles, delta halves. */
+DSP_API int dspfi_zinter(dspf_signal *x);
+DSP_API int dspi_zinter(dsp_signal *x);
+/* Sorts ascending; complex points by squared magnitude, then real part, then
+ * imaginary part. */
+DSP_API int dspfi_sort(dspf_signal *x);
+DSP_API int dspi_sort(dsp_signal *x);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Differences, integration and phase unwrapping (in place)
  * ------------------------------------------------------------------------ */
 
+/* Running sum times delta. */
+DSP_API int dspfi_integ(dspf_signal *x);
+DSP_API int dspi_integ(dsp_signal *x);
+/* Backward difference over delta (the first output is x[0] / delta); a delta
+ * of exactly 0 multiplies by the large substitute value instead. */
+DSP_API int dspfi_differ(dspf_signal *x);
+DSP_API int dspi_differ(dsp_signal *x);
+/* Derivative of the polynomial whose coefficient of x^i is point i; n - 1. */
+DSP_API int dspfi_pdiffer(dspf_signal *x);
+DSP_API int dspi_pdiffer(dsp_signal *x);
+/* Replaces a real record by the times of its crossings of level, in delta
+ * units from sample 0; flags bit 0 rising, bit 1 falling. delta becomes 1. */
+DSP_API int dspfi_edge(dspf_signal *x, int flags, float level);
+DSP_API int dspi_edge(dsp_signal *x, int flags, double level);
+/* Unwraps a real phase record against the previous output. */
+DSP_API int dspfi_unwrap(dspf_signal *x);
+DSP_API int dspi_unwrap(dsp_signal *x);
+/* Unwraps a real phase record against the mean of up to w previous outputs;
+ * w = 0 brings every sample into [-pi, pi]; w = 1 is dspfi_unwrap. */
+DSP_API int dspfi_unwrap_wnd(dspf_signal *x, int w);
+DSP_API int dspi_unwrap_wnd(dsp_signal *x, int w);
+/* Half spectrum of n points to the full spectrum of 2(n - 1) points. */
+DSP_API int dspfi_recon(dspf_signal *x);
+DSP_API int dspi_recon(dsp_signal *x);
+/* Half spectrum of n points to the full spectrum of 2(n - 1) points (odd 0)
+ * or 2n - 1 points (odd nonzero). */
+DSP_API int dspfi_orecon(dspf_signal *x, int odd);
+DSP_API int dspi_orecon(dsp_signal *x, int odd);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Complex FFT, bit reversal and raw-array entry points
  * ------------------------------------------------------------------------ */
+
+/*
+ * In-place complex FFT of n = 2^k points (1, 2, 4, ...; else -1 and the
+ * record is untouched). inverse == 0: forward transform
+ * X[k] = (1/n) sum_m x[m] e^(-2 pi i k m / n); otherwise the unscaled inverse
+ * x[m] = sum_k X[k] e^(+2 pi i k m / n). Input and output in natural order;
+ * a real record becomes complex (except n = 1, which only updates delta).
+ * delta becomes 1 / (delta * n), or L when delta is 0. The bit-reversal and
+ * twiddle tables of each size are built on first use and kept until
+ * dspf_free_internal / dsp_free_internal.
+ */
+DSP_API int dspfi_fft(dspf_signal *x, int inverse);
+DSP_API int dspi_fft(dsp_signal *x, int inverse);
+/*
+ * Bit-reversal permutation of a record of 2^k points: point i and the point
+ * at the bit reversal of i (over k bits) change places (single scalars for a
+ * real record). bitrev_scale also multiplies every scalar by 1/n. -1 when n
+ * is not a power of two.
+ */
+DSP_API int dspfi_bitrev(dspf_signal *x);
+DSP_API int dspi_bitrev(dsp_signal *x);
+DSP_API int dspfi_bitrev_scale(dspf_signal *x);
+DSP_API int dspi_bitrev_scale(dsp_signal *x);
+/*
+ * dspfi_fft of the n points (cplx != 0: 2n interleaved scalars) at data,
+ * wrapped in a temporary record that does not own the array. Complex data
+ * is transformed in the caller's array. Real data must not be passed: the
+ * transform widens the temporary record into storage of its own, so the
+ * result is not in the caller's array and that storage is never released.
+ */
+DSP_API int cf_dspfi_fft(float *data, int n, int cplx, int inverse);
+DSP_API int cf_dspi_fft(double *data, int n, int cplx, int inverse);
 
 /* (end of section) */
 
@@ -344,17 +442,79 @@ DSP_API int dspi_addcos(dsp_signal *x, int flags, double freq, double amp, doubl
  * Element-wise binary arithmetic
  * ------------------------------------------------------------------------ */
 
+/*
+ * Two records in, one out: (a, b, r), r may be a or b. The result's delta is
+ * the mean of the inputs' deltas; it is complex if either input is, and a
+ * real operand counts as having imaginary part 0. Unequal point counts give
+ * -1 except for add, sub and pmul.
+ */
+/* a + b, a - b; the shorter input counts as zero-padded to the longer. */
+DSP_API int dspfb_add(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_add(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+DSP_API int dspfb_sub(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_sub(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+/* Point-wise (complex) product. */
+DSP_API int dspfb_mul(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_mul(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+/* a / b; a zero divisor gives L in every part for a nonzero dividend, 0 for
+ * a zero one (L = 1e15 single, 1e100 double). */
+DSP_API int dspfb_div(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_div(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+/* a * conj(b). */
+DSP_API int dspfb_conj_mul(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_conj_mul(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+/* b + w (a - b): folds record a into the running mean b with weight w. */
+DSP_API int dspfb_avg_add(const dspf_signal *a, const dspf_signal *b, dspf_signal *r, float w);
+DSP_API int dspb_avg_add(const dsp_signal *a, const dsp_signal *b, dsp_signal *r, double w);
+/* Larger / smaller point: reals by value (b on ties); complex points by
+ * squared magnitude in the double family. The single family returns b's
+ * point for two complex records and a's point (as (a, 0) when a is real)
+ * when the kinds differ. */
+DSP_API int dspfb_max(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_max(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+DSP_API int dspfb_min(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_min(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+/* Polynomial product: full linear convolution, a.n + b.n - 1 points (0 if
+ * either input is empty). */
+DSP_API int dspfb_pmul(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspb_pmul(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+/* Complex record (re[i], im[i]) from two real records of equal length. */
+DSP_API int dspfb_ritoc(const dspf_signal *re, const dspf_signal *im, dspf_signal *r);
+DSP_API int dspb_ritoc(const dsp_signal *re, const dsp_signal *im, dsp_signal *r);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Dot product
  * ------------------------------------------------------------------------ */
 
+/* r = sum of a[i] * b[i] over equal-length records (complex products are not
+ * conjugated): one point, complex if either input is; r's delta is kept. */
+DSP_API int dspfbs_dot(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
+DSP_API int dspbs_dot(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Descriptive statistics
  * ------------------------------------------------------------------------ */
+
+/*
+ * (in, out): out (which may be in) becomes a one-point record, real or of
+ * the input's kind. Sums run over blocks of 2048 samples. Samples outside
+ * [-L, L] are guarded (L = 1e15 single, 1e100 double).
+ */
+/* Sum and mean of the samples (per part); 0 for an empty record. */
+DSP_API int dspfs_sum(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_sum(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_mean(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_mean(const dsp_signal *in, dsp_signal *out);
+/* Sum of squared magnitudes and root mean square (real results); a sample
+ * with a part outside [-L, L] adds L. */
+DSP_API int dspfs_magsq_sum(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_magsq_sum(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_rms(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_rms(const dsp_signal *in, dsp_signal *out);
 
 /* (end of section) */
 

@@ -2,6 +2,8 @@
 #include "dsp.h"
 #include "elementwise/arith.hpp"
 #include "elementwise/convert.hpp"
+#include "elementwise/differences.hpp"
+#include "elementwise/rearrange.hpp"
 
 using namespace dsp;
 
@@ -82,10 +84,46 @@ int dspi_addcos(dsp_signal *x, int flags, double freq, double amp, double phase)
 // (end of arithmetic)
 
 // Sequence rearrangement.
+int dspfi_rev(dspf_signal *x) { return rev<float>(*x); }
+int dspi_rev(dsp_signal *x) { return rev<double>(*x); }
+int dspfi_shift(dspf_signal *x, int k) { return shift<float>(*x, k); }
+int dspi_shift(dsp_signal *x, int k) { return shift<double>(*x, k); }
+int dspfi_swap_halves(dspf_signal *x) { return swap_halves<float>(*x); }
+int dspi_swap_halves(dsp_signal *x) { return swap_halves<double>(*x); }
+int dspfi_swap_halves2(dspf_signal *x) { return swap_halves2<float>(*x); }
+int dspi_swap_halves2(dsp_signal *x) { return swap_halves2<double>(*x); }
+int dspfi_zero(dspf_signal *x) { return zero<float>(*x); }
+int dspi_zero(dsp_signal *x) { return zero<double>(*x); }
+int dspfi_zpad(dspf_signal *x, int m) { return zpad<float>(*x, m); }
+int dspi_zpad(dsp_signal *x, int m) { return zpad<double>(*x, m); }
+int dspfi_zpad2(dspf_signal *x, int m, int flags) { return zpad2<float>(*x, m, flags); }
+int dspi_zpad2(dsp_signal *x, int m, int flags) { return zpad2<double>(*x, m, flags); }
+int dspfi_unzpad(dspf_signal *x, int m, int flags) { return unzpad<float>(*x, m, flags); }
+int dspi_unzpad(dsp_signal *x, int m, int flags) { return unzpad<double>(*x, m, flags); }
+int dspfi_zinter(dspf_signal *x) { return zinter<float>(*x); }
+int dspi_zinter(dsp_signal *x) { return zinter<double>(*x); }
+int dspfi_sort(dspf_signal *x) { return sort<float>(*x); }
+int dspi_sort(dsp_signal *x) { return sort<double>(*x); }
 
 // (end of rearrangement)
 
 // Differences, integration and phase unwrapping.
+int dspfi_integ(dspf_signal *x) { return integ<float>(*x); }
+int dspi_integ(dsp_signal *x) { return integ<double>(*x); }
+int dspfi_differ(dspf_signal *x) { return differ<float>(*x); }
+int dspi_differ(dsp_signal *x) { return differ<double>(*x); }
+int dspfi_pdiffer(dspf_signal *x) { return pdiffer<float>(*x); }
+int dspi_pdiffer(dsp_signal *x) { return pdiffer<double>(*x); }
+int dspfi_edge(dspf_signal *x, int flags, float level) { return edge<float>(*x, flags, level); }
+int dspi_edge(dsp_signal *x, int flags, double level) { return edge<double>(*x, flags, level); }
+int dspfi_unwrap(dspf_signal *x) { return unwrap<float>(*x); }
+int dspi_unwrap(dsp_signal *x) { return unwrap<double>(*x); }
+int dspfi_unwrap_wnd(dspf_signal *x, int w) { return unwrap_wnd<float>(*x, w); }
+int dspi_unwrap_wnd(dsp_signal *x, int w) { return unwrap_wnd<double>(*x, w); }
+int dspfi_recon(dspf_signal *x) { return recon<float>(*x); }
+int dspi_recon(dsp_signal *x) { return recon<double>(*x); }
+int dspfi_orecon(dspf_signal *x, int odd) { return orecon<float>(*x, odd); }
+int dspi_orecon(dsp_signal *x, int odd) { return orecon<double>(*x, odd); }
 
 // (end of differences)
 
