@@ -272,35 +272,53 @@ TYPED_TEST(Spectral, RfftCallerStorageAndDelta) {
 
 TYPED_TEST(Spectral, DctMatchesScipyAndInverts) {
     using T = TypeParam;
-    for (int n : {1, 2, 3, 4, 5, 8, 12, 15, 16, 100, 1024}) {
+    const std::vector<int> sizes = {1, 2, 3, 4, 5, 8, 12, 15, 16, 100, 1024};
+    std::vector<double> all;
+    std::ostringstream list;
+    for (int n : sizes) {
         const auto v = random_values(size_t(n), unsigned(7 * n));
-        // Our normalisation is sqrt(2/n) times the orthonormal DCT-II.
-        const auto want = python(
-            "from scipy.fft import dct\n"
-            "print(' '.join(repr(float(v)) for v in dct(x, type=2, norm='ortho') * np.sqrt(2 / len(x))))",
-            v);
-        ASSERT_EQ(want.size(), size_t(n));
+        all.insert(all.end(), v.begin(), v.end());
+        list << n << ',';
+    }
+    // Our normalisation is sqrt(2/n) times the orthonormal DCT-II.
+    const auto want = python("from scipy.fft import dct\nstart = 0\nfor n in [" + list.str() +
+                             "]:\n"
+                             "    y = dct(x[start:start + n], type=2, norm='ortho') * np.sqrt(2 / n)\n"
+                             "    print(' '.join(repr(float(v)) for v in y))\n"
+                             "    start += n\n",
+                             all);
+    ASSERT_EQ(want.size(), all.size());
+    size_t start = 0;
+    for (int n : sizes) {
         Rec<T> x;
-        fill_real(x, v, T(0.25));
+        fill_real(x, std::vector<double>(all.begin() + long(start), all.begin() + long(start + n)),
+                  T(0.25));
         ASSERT_EQ(DSP(i_dct)(&x, 0), 0);
         ASSERT_EQ(x->n, n);
         EXPECT_EQ(x->cplx, 0);
         EXPECT_NEAR(x->delta, T(4.0 / n), ulps<T>(2) * 4 / n);
         double err = 0, ref = 0;
         for (int k = 0; k < n; ++k) {
-            err += std::pow(double(x->data[k]) - want[size_t(k)], 2);
-            ref += want[size_t(k)] * want[size_t(k)];
+            err += std::pow(double(x->data[k]) - want[start + size_t(k)], 2);
+            ref += want[start + size_t(k)] * want[start + size_t(k)];
         }
         EXPECT_LE(std::sqrt(err / ref), 2 * bound<T>(size_t(n), (n & (n - 1)) != 0)) << n;
         ASSERT_EQ(DSP(i_dct)(&x, 1), 0);
         ASSERT_EQ(x->n, n);
         EXPECT_EQ(x->cplx, 0);
         EXPECT_NEAR(x->delta, T(0.25), ulps<T>(2));
-        for (int m = 0; m < n; ++m) EXPECT_NEAR(x->data[m], T(v[size_t(m)]), ulps<T>(64)) << n;
+        for (int m = 0; m < n; ++m) EXPECT_NEAR(x->data[m], T(all[start + size_t(m)]), ulps<T>(64)) << n;
         if (n == 12) {
             EXPECT_EQ(pick<T>(dspf_free_internal, dsp_free_internal)(), 0);
         }
+        start += size_t(n);
     }
+    // One point: sqrt(2) x; an empty record only changes delta.
+    Rec<T> one({3}), none;
+    ASSERT_EQ(DSP(i_dct)(&one, 0), 0);
+    EXPECT_NEAR(one->data[0], T(3 * std::sqrt(2.0)), ulps<T>(4));
+    EXPECT_EQ(DSP(i_dct)(&none, 0), 0);
+    EXPECT_EQ(none->n, 0);
 }
 
 TYPED_TEST(Spectral, HilbertAndAnalyticOfCosines) {
