@@ -412,6 +412,40 @@ DSP_API int cf_dspi_fft(double *data, int n, int cplx, int inverse);
  * Real FFT, DFT, DCT, Hilbert transform and analytic signal
  * ------------------------------------------------------------------------ */
 
+/* Real record of n = 2^b points to its half spectrum X[0..n/2] (n/2 + 1
+ * complex points), X[k] = (1/n) sum x[m] e^(-2 pi i k m / n); delta becomes
+ * 1/(delta n) (L when 0). -1 for complex input or n not a power of two. */
+DSP_API int dspfi_rfft(dspf_signal *x);
+DSP_API int dspi_rfft(dsp_signal *x);
+/* Half spectrum of n points to the real signal of 2(n - 1) points
+ * (unscaled inverse); 2(n - 1) must be a power of two. */
+DSP_API int dspfi_irfft(dspf_signal *x);
+DSP_API int dspi_irfft(dsp_signal *x);
+/* Complex DFT of any length (inverse != 0: unscaled inverse); powers of two
+ * go through the FFT, other lengths through the chirp-z transform. n < 2:
+ * samples unchanged, delta becomes 1/delta. */
+DSP_API int dspfi_dft(dspf_signal *x, int inverse);
+DSP_API int dspi_dft(dsp_signal *x, int inverse);
+/* Real record of any length to its half spectrum of n/2 + 1 points. */
+DSP_API int dspfi_rdft(dspf_signal *x);
+DSP_API int dspi_rdft(dsp_signal *x);
+/* Half spectrum to the real signal of 2(n - 1) points (odd == 0) or 2n - 1
+ * points (odd != 0), unscaled inverse. */
+DSP_API int dspfi_irdft(dspf_signal *x, int odd);
+DSP_API int dspi_irdft(dsp_signal *x, int odd);
+/* DCT-II of a real record, C[k] = (2/n) w[k] sum x[m] cos(pi k (2m+1) / (2n))
+ * with w[0] = sqrt(1/2), w[k] = 1 otherwise; inverse != 0 applies the exact
+ * inverse. -1 for complex input. */
+DSP_API int dspfi_dct(dspf_signal *x, int inverse);
+DSP_API int dspi_dct(dsp_signal *x, int inverse);
+/* Hilbert transform: positive frequencies times -i, negative times +i, DC
+ * and Nyquist removed; a real record stays real. */
+DSP_API int dspfi_hilbert(dspf_signal *x);
+DSP_API int dspi_hilbert(dsp_signal *x);
+/* Analytic signal: positive frequencies doubled, negative ones removed. */
+DSP_API int dspfi_analytic(dspf_signal *x);
+DSP_API int dspi_analytic(dsp_signal *x);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
