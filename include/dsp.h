@@ -452,17 +452,79 @@ DSP_API int dspi_analytic(dsp_signal *x);
  * Window names
  * ------------------------------------------------------------------------ */
 
+/* Window kind of a name: the 80 names ("Hann", "P110", "DSP_WINDOW_HANN",
+ * ...) in any mix of upper and lower case, whole names only. 0 and the value
+ * written on a match; -1 and 0 written otherwise; -1 for null pointers. */
+DSP_API int dspf_window_from_str(const char *name, dsp_window *value);
+DSP_API int dsp_window_from_str(const char *name, dsp_window *value);
+/* Name of a window kind: never finds one; writes an empty text into buf
+ * (when buf is not null and len > 0) and returns -1. */
+DSP_API int dspf_window_to_str(dsp_window code, char *buf, int len);
+DSP_API int dsp_window_to_str(dsp_window code, char *buf, int len);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Window generation
  * ------------------------------------------------------------------------ */
 
+/*
+ * Window flags: bits 0-1 normalisation (0 unit mean, 1 unit rms, 2 unit
+ * peak, 3 invalid); 4 symmetric sampling (Gauss, Kaiser, sinc, Tukey only);
+ * 8 explicit width from the parameter (cosine sums and the uniform box
+ * only); 16 rotate even the uniform window; 32 do not rotate. Windows are
+ * centred at index n/2 and, unless flag 32, the windowed record is rotated
+ * left by n/2 points so that the centre lands at index 0. A complex record is
+ * multiplied point by point (both parts) by the real window.
+ */
+/* Multiplies x by the window of a kind (0-24); -1 with flag 8. */
+DSP_API int dspfi_window(dspf_signal *x, dsp_window kind, int flags);
+DSP_API int dspi_window(dsp_signal *x, dsp_window kind, int flags);
+/* As dspfi_window with the explicit width p (flag 8); generated windows are
+ * kept in a cache of 16 (first in, first out). */
+DSP_API int dspfi_window2(dspf_signal *x, dsp_window kind, int flags, float p);
+DSP_API int dspi_window2(dsp_signal *x, dsp_window kind, int flags, double p);
+/* Cosine sum with the caller's coefficients (real record), periodic, not
+ * normalised, always rotated. */
+DSP_API int dspfi_window_cos(dspf_signal *x, const dspf_signal *coef);
+DSP_API int dspi_window_cos(dsp_signal *x, const dsp_signal *coef);
+/* Gaussian exp(-d^2 / (2 sigma^2 n^2)) at distance d from the centre. */
+DSP_API int dspfi_window_gauss(dspf_signal *x, float sigma, int flags);
+DSP_API int dspi_window_gauss(dsp_signal *x, double sigma, int flags);
+/* Kaiser I0(beta sqrt(1 - (2d/n)^2)) (symmetric: 2d/(n-1)). */
+DSP_API int dspfi_window_kaiser(dspf_signal *x, float beta, int flags);
+DSP_API int dspi_window_kaiser(dsp_signal *x, double beta, int flags);
+/* Sinc power (sin(u)/u)^power over u in [-half_span, half_span]; the single
+ * family uses sin(u) as the base. */
+DSP_API int dspfi_window_sinc(dspf_signal *x, float half_span, float power, int flags);
+DSP_API int dspi_window_sinc(dsp_signal *x, double half_span, double power, int flags);
+/* Tukey window: flat over the fraction 1 - alpha, cosine tapers outside. */
+DSP_API int dspfi_window_tukey(dspf_signal *x, float alpha, int flags);
+DSP_API int dspi_window_tukey(dsp_signal *x, double alpha, int flags);
+/* Filter-design windows (unit peak, symmetric, not rotated): code 100
+ * Gaussian, 101 Kaiser from the transition width p, 102 and 103 sinc
+ * powers; other codes are window kinds. */
+DSP_API int dspfi_window_fir(dspf_signal *x, int code, float p);
+DSP_API int dspi_window_fir(dsp_signal *x, int code, double p);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Window metrics
  * ------------------------------------------------------------------------ */
+
+/* Peak of the window of n points normalised by the mode of flags (1 for
+ * unit peak or n <= 0); -1 with flag 8 or mode 3. */
+DSP_API int dspf_window_scale(float *out, dsp_window kind, int flags, int n);
+DSP_API int dsp_window_scale(double *out, dsp_window kind, int flags, int n);
+/* As window_scale with the explicit width p when flags has bit 8. */
+DSP_API int dspf_window2_scale(float *out, dsp_window kind, int flags, int n, float p);
+DSP_API int dsp_window2_scale(double *out, dsp_window kind, int flags, int n, double p);
+/* Equivalent noise bandwidth in bins: mean square over squared mean. */
+DSP_API int dspf_window_enbw(float *out, dsp_window kind, int n);
+DSP_API int dsp_window_enbw(double *out, dsp_window kind, int n);
+DSP_API int dspf_window2_enbw(float *out, dsp_window kind, int n, float p);
+DSP_API int dsp_window2_enbw(double *out, dsp_window kind, int n, double p);
 
 /* (end of section) */
 

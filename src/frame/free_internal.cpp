@@ -29,7 +29,7 @@ int free_internal() {
         release_dft_scratch<T>,     // 5 DFT: chirp and kernel records
         release_result_scratch<T>,  // 6 result preparation: output scratch and state
         release_twiddle_tables<T>,  // 7 FFT twiddle tables
-        nullptr,                    // 8 window cache
+        release_window_cache<T>,    // 8 window cache
     };
     for (step s : steps)
         if (s && s() != 0) return -1;
