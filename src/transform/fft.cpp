@@ -136,8 +136,8 @@ uint32_t *build_fixed(int b) {
 void cis(uint64_t j, uint64_t n, long double &c, long double &s) {
     constexpr long double half_pi = 1.570796326794896619231321691639751442L;
     j %= n;
-    const uint64_t q = (4 * j) / n;        // quadrant
-    const uint64_t r = 4 * j - q * n;      // 4 j / n = q + r / n
+    const uint64_t q = (4 * j) / n;    // quadrant
+    const uint64_t r = 4 * j - q * n;  // 4 j / n = q + r / n
     long double c0, s0;
     if (2 * r <= n) {
         const long double a = half_pi * (static_cast<long double>(r) / n);
@@ -149,10 +149,18 @@ void cis(uint64_t j, uint64_t n, long double &c, long double &s) {
         s0 = std::cos(a);
     }
     switch (q) {
-        case 0: c = c0, s = s0; break;
-        case 1: c = -s0, s = c0; break;
-        case 2: c = -c0, s = -s0; break;
-        default: c = s0, s = -c0; break;
+        case 0:
+            c = c0, s = s0;
+            break;
+        case 1:
+            c = -s0, s = c0;
+            break;
+        case 2:
+            c = -c0, s = -s0;
+            break;
+        default:
+            c = s0, s = -c0;
+            break;
     }
 }
 
@@ -354,11 +362,11 @@ int release_twiddle_tables() {
     return 0;
 }
 
-#define DSP_INSTANTIATE(T)                           \
-    template int fft<T>(signal_t<T> &, int);         \
-    template int bitrev<T>(signal_t<T> &);           \
-    template int bitrev_scale<T>(signal_t<T> &);     \
-    template int release_bitrev_tables<T>();         \
+#define DSP_INSTANTIATE(T)                       \
+    template int fft<T>(signal_t<T> &, int);     \
+    template int bitrev<T>(signal_t<T> &);       \
+    template int bitrev_scale<T>(signal_t<T> &); \
+    template int release_bitrev_tables<T>();     \
     template int release_twiddle_tables<T>();
 DSP_INSTANTIATE(float)
 DSP_INSTANTIATE(double)

@@ -57,7 +57,7 @@ void transform(T *d, int b, const T *tw, bool inverse) {
         if (level > 1 && have_avx2()) return avx2::transform(d, b, tw, inverse);
 #endif
 #if DSP_FFT_VECTORS
-        // Double-precision vectors exist on x86 and 64-bit ARM, not on 32-bit ARM.
+            // Double-precision vectors exist on x86 and 64-bit ARM, not on 32-bit ARM.
 #if defined(__SSE2__) || defined(__aarch64__)
         return base::simd_transform(d, b, tw, inverse);
 #else
