@@ -149,7 +149,7 @@ inline void scalar_transform(T *d, int b, const T *tw) {
 // Blocks up to this many bytes are transformed stage after stage; larger
 // ones take one stage and recurse into their quarters (depth first), so that
 // the later stages run on data in cache.
-constexpr int64_t breadth_first_bytes = 32 * 1024;
+constexpr int64_t breadth_first_bytes = 16 * 1024;
 
 template <class T, bool Inverse>
 struct simd_kernel {
