@@ -12,7 +12,11 @@
 #endif
 
 #define DSP_FFT_ISA base
+#if defined(__AVX__)  // a build for processors with AVX (e.g. DSP_NATIVE)
+#define DSP_FFT_WIDTH 32
+#else
 #define DSP_FFT_WIDTH 16
+#endif
 #include "transform/fft_simd.hpp"
 
 namespace dsp::fft_kernel {
