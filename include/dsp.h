@@ -394,6 +394,20 @@ DSP_API int dsps_hist(const dsp_signal *in, dsp_signal *out, double low, double 
  * Peak search
  * ------------------------------------------------------------------------ */
 
+/*
+ * out (real, n = 2, delta not set; may be in) = {peak value, position as a
+ * fractional sample index}. The value of a complex sample is its squared
+ * magnitude. Flags: 0x1000 use `index` (clamped to 0 .. n-1) instead of
+ * searching; 0x2000 search the minimum; interpolation in bits 8-10: 0x000
+ * none, 0x100 parabola through three samples, 0x200 Gaussian through two
+ * samples, 0x300 the same with a correction term, 0x400 and above fail.
+ * The search starts from -L (+L for the minimum) and keeps the first of
+ * equal extremes. An empty record gives {0, 0}. A Gaussian offset outside
+ * -0.5 .. 1.5 is clamped, written, and reported with -1.
+ */
+DSP_API int dspfs_peak(const dspf_signal *in, dspf_signal *out, int flags, int index);
+DSP_API int dsps_peak(const dsp_signal *in, dsp_signal *out, int flags, int index);
+
 /* (end of section) */
 
 #ifdef __cplusplus

@@ -1,5 +1,6 @@
 // C exports of the statistics and the peak search.
 #include "dsp.h"
+#include "stats/peak.hpp"
 #include "stats/stats.hpp"
 
 using namespace dsp;
@@ -47,6 +48,14 @@ int dspfs_hist(const dspf_signal *in, dspf_signal *out, float low, float width, 
 }
 int dsps_hist(const dsp_signal *in, dsp_signal *out, double low, double width, int bins) {
     return hist<double>(*in, *out, low, width, bins);
+}
+
+// Peak search.
+int dspfs_peak(const dspf_signal *in, dspf_signal *out, int flags, int index) {
+    return peak<float>(*in, *out, flags, index);
+}
+int dsps_peak(const dsp_signal *in, dsp_signal *out, int flags, int index) {
+    return peak<double>(*in, *out, flags, index);
 }
 
 }  // extern "C"

@@ -174,8 +174,8 @@ TYPED_TEST(Stats, MomentsDegenerateAndFailing) {
     Rec<T> e, r({9});
     ASSERT_EQ(DSP(s_excess)(&e, &r), 0);
     expect_values<T>(*r, {-3});
-    for (auto fn : {DSP(s_skew), DSP(s_pop_var), DSP(s_samp_var), DSP(s_pop_stddev),
-                    DSP(s_samp_stddev)}) {
+    for (auto fn :
+         {DSP(s_skew), DSP(s_pop_var), DSP(s_samp_var), DSP(s_pop_stddev), DSP(s_samp_stddev)}) {
         ASSERT_EQ(fn(&e, &r), 0);
         expect_values<T>(*r, {0});
     }
