@@ -41,15 +41,24 @@ void sample_sum(const signal_t<T> &in, T *total) {
 // Sum of squared magnitudes; a sample with a part outside [-L, L] adds L.
 template <class T>
 T square_sum(const signal_t<T> &in) {
+    constexpr T L = precision<T>::large;
     const T *x = in.data;
     const int64_t n = in.n > 0 ? in.n : 0;
     T total;
-    if (in.cplx)
-        acc::block_sum<1, T>(
-            n, [x](int64_t i) { return clamped_magsq(x[2 * i], x[2 * i + 1]); }, &total);
-    else
-        acc::block_sum<1, T>(
-            n, [x](int64_t i) { return clamped_square(x[i]); }, &total);
+    if (in.cplx) {
+        auto term = [x](int64_t i) {
+            const T re = x[2 * i], im = x[2 * i + 1];
+            return acc::select<T>(acc::beyond_large(re) | acc::beyond_large(im), L,
+                                  im * im + re * re);
+        };
+        acc::block_sum<1, T>(n, term, &total);
+    } else {
+        auto term = [x](int64_t i) {
+            const T v = x[i];
+            return acc::select<T>(acc::beyond_large(v), L, v * v);
+        };
+        acc::block_sum<1, T>(n, term, &total);
+    }
     return total;
 }
 

@@ -69,6 +69,13 @@ TYPED_TEST(Stats, SquaresBeyondTheLargeValueAddIt) {
     expect_values<T>(*r, {T(std::sqrt(double(L / 2)))});
     ASSERT_EQ(DSP(s_magsq_sum)(&z, &r), 0);
     expect_values<T>(*r, {L + T(25)});
+    // Infinities are beyond L too; NaN passes through.
+    const T inf = std::numeric_limits<T>::infinity();
+    Rec<T> w({-inf, 1, L}), q({0, std::numeric_limits<T>::quiet_NaN()}, true);
+    ASSERT_EQ(DSP(s_magsq_sum)(&w, &r), 0);
+    expect_values<T>(*r, {L + T(1) + L * L});
+    ASSERT_EQ(DSP(s_rms)(&q, &r), 0);
+    EXPECT_TRUE(std::isnan(r->data[0]));
 }
 
 // Sums run over blocks of 2048 samples added to a running total: the result
