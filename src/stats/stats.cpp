@@ -103,7 +103,7 @@ int extreme(const signal_t<T> &in, signal_t<T> &out) {
 // as the bound and its square as L^2. With `constants` every sample enters
 // as a deviation of +L (see pop_var and skew).
 template <int Power, class T>
-void deviation_sum(const signal_t<T> &in, bool constants, T *total) {
+void deviation_sum(const signal_t<T> &in, bool constants, T (&total)[2]) {
     constexpr T L = precision<T>::large, L2 = precision<T>::large_sq;
     const T *x = in.data;
     const int64_t n = in.n;
@@ -307,13 +307,13 @@ int skew(const signal_t<T> &in, signal_t<T> &out) {
     if (in.n < 1) return put<T>(out, false, T(0));
     const T n = T(in.n);
     const bool constants = single<T>;
-    T s1, s2, s3;
-    deviation_sum<1, T>(in, constants, &s1);
-    deviation_sum<2, T>(in, constants, &s2);
-    deviation_sum<3, T>(in, constants, &s3);
-    const T m1 = s1 / n, m2 = s2 / n;
+    T s1[2], s2[2], s3[2];  // real records use the first of each pair
+    deviation_sum<1, T>(in, constants, s1);
+    deviation_sum<2, T>(in, constants, s2);
+    deviation_sum<3, T>(in, constants, s3);
+    const T m1 = s1[0] / n, m2 = s2[0] / n;
     const T v = m2 - m1 * m1;
-    const T c3 = s3 / n - T(3) * m1 * m2 + T(2) * m1 * m1 * m1;
+    const T c3 = s3[0] / n - T(3) * m1 * m2 + T(2) * m1 * m1 * m1;
     const T den = v * rt::sqrt<T>(v);
     if (den == T(0)) return put<T>(out, false, c3 == T(0) ? T(0) : precision<T>::large);
     return put<T>(out, false, c3 / den);
@@ -326,12 +326,12 @@ int excess(const signal_t<T> &in, signal_t<T> &out) {
     if (in.cplx) return -1;
     if (in.n < 1) return put<T>(out, false, T(-3));
     const T n = T(in.n);
-    T s[4];
-    deviation_sum<1, T>(in, false, &s[0]);
-    deviation_sum<2, T>(in, false, &s[1]);
-    deviation_sum<3, T>(in, false, &s[2]);
-    deviation_sum<4, T>(in, false, &s[3]);
-    const T m1 = s[0] / n, m2 = s[1] / n, m3 = s[2] / n, m4 = s[3] / n;
+    T s[4][2];  // real records use the first of each pair
+    deviation_sum<1, T>(in, false, s[0]);
+    deviation_sum<2, T>(in, false, s[1]);
+    deviation_sum<3, T>(in, false, s[2]);
+    deviation_sum<4, T>(in, false, s[3]);
+    const T m1 = s[0][0] / n, m2 = s[1][0] / n, m3 = s[2][0] / n, m4 = s[3][0] / n;
     const T v = m2 - m1 * m1;
     const T m1sq = m1 * m1;
     const T c4 = m4 - T(4) * m1 * m3 + T(6) * m1sq * m2 - T(3) * m1sq * m1sq;
