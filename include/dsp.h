@@ -219,11 +219,119 @@ DSP_API int dspi_timesi(dsp_signal *x);
  * Arithmetic and math functions (in place)
  * ------------------------------------------------------------------------ */
 
+/* Every scalar negated (re and im of complex points). */
+DSP_API int dspfi_neg(dspf_signal *x);
+DSP_API int dspi_neg(dsp_signal *x);
+/* x + d; for complex points d is added to the real part only. */
+DSP_API int dspfi_offset(dspf_signal *x, float d);
+DSP_API int dspi_offset(dsp_signal *x, double d);
+/* Every scalar times a. */
+DSP_API int dspfi_scale(dspf_signal *x, float a);
+DSP_API int dspi_scale(dsp_signal *x, double a);
+/* Times the complex factor a + ib; a real record becomes complex (-1 when
+ * its storage cannot grow; cplx is then already 1). */
+DSP_API int dspfi_cscale(dspf_signal *x, float a, float b);
+DSP_API int dspi_cscale(dsp_signal *x, double a, double b);
+/* 1/x (L for 0); complex: conjugate over squared magnitude. The single
+ * family differs: a real zero also overwrites the scalar after it, and
+ * complex points are scaled by 1/L instead of 1/|x|^2. */
+DSP_API int dspfi_recip(dspf_signal *x);
+DSP_API int dspi_recip(dsp_signal *x);
+/* Square root, 0 for negative reals; principal root of complex points. */
+DSP_API int dspfi_sqrt(dspf_signal *x);
+DSP_API int dspi_sqrt(dsp_signal *x);
+/* x squared, L outside [-L, L]; complex square with the parts clamped. */
+DSP_API int dspfi_square(dspf_signal *x);
+DSP_API int dspi_square(dsp_signal *x);
+/* e^x, L above ln L; complex: magnitude e^re, phase im. */
+DSP_API int dspfi_exp(dspf_signal *x);
+DSP_API int dspi_exp(dsp_signal *x);
+/* 10^x, L above 15 (single) / 100 (double); complex: magnitude 10^re,
+ * phase im ln 10. Single family, real: the walk stops at the first sample
+ * below -L and leaves the rest unchanged. */
+DSP_API int dspfi_exp10(dspf_signal *x);
+DSP_API int dspi_exp10(dsp_signal *x);
+/* ln x, ln F below the smallest normal number F; complex logarithm. */
+DSP_API int dspfi_log(dspf_signal *x);
+DSP_API int dspi_log(dsp_signal *x);
+/* log10 x, log10 F below F; complex base-ten logarithm (the single family
+ * takes the real part of every complex point as L). */
+DSP_API int dspfi_log10(dspf_signal *x);
+DSP_API int dspi_log10(dsp_signal *x);
+/* k log10 x (k = 10 power, 20 amplitude), k log10 F below F. The single
+ * family on real data writes k log10 F in place and the decibel value into
+ * the following scalar; on complex data it behaves as dspfi_log10 times k. */
+DSP_API int dspfi_db(dspf_signal *x, float k);
+DSP_API int dspi_db(dsp_signal *x, double k);
+/* Real records only (-1 for complex, record untouched): sinh and cosh with
+ * L beyond +-ln L, asin and acos with 0 beyond [-1, 1], I0 (single only)
+ * with L beyond +-ln L, Y0 and Y1 with 0 for x <= 0. */
+DSP_API int dspfi_sinh(dspf_signal *x);
+DSP_API int dspi_sinh(dsp_signal *x);
+DSP_API int dspfi_cosh(dspf_signal *x);
+DSP_API int dspi_cosh(dsp_signal *x);
+DSP_API int dspfi_asin(dspf_signal *x);
+DSP_API int dspi_asin(dsp_signal *x);
+DSP_API int dspfi_acos(dspf_signal *x);
+DSP_API int dspi_acos(dsp_signal *x);
+DSP_API int dspfi_besi0(dspf_signal *x);
+DSP_API int dspfi_besy0(dspf_signal *x);
+DSP_API int dspi_besy0(dsp_signal *x);
+DSP_API int dspfi_besy1(dspf_signal *x);
+DSP_API int dspi_besy1(dsp_signal *x);
+/* Clips every scalar to [min(a, b), max(a, b)]; *clipped (if not null)
+ * receives 1 when a scalar lay outside, else 0. The single family takes an
+ * ignored second argument and sets every scalar not above the range to the
+ * lower bound. */
+DSP_API int dspfi_limit(dspf_signal *x, int unused, float a, float b, int *clipped);
+DSP_API int dspi_limit(dsp_signal *x, double a, double b, int *clipped);
+/* Adds amp cos(2 pi freq delta i + phase) to point i; on a complex record
+ * with flags bit 0 set, adds amp e^(i (2 pi freq delta i + phase)). */
+DSP_API int dspfi_addcos(dspf_signal *x, int flags, float freq, float amp, float phase);
+DSP_API int dspi_addcos(dsp_signal *x, int flags, double freq, double amp, double phase);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Sequence rearrangement (in place)
  * ------------------------------------------------------------------------ */
+
+/* Reverses the order of the points. */
+DSP_API int dspfi_rev(dspf_signal *x);
+DSP_API int dspi_rev(dsp_signal *x);
+/* Drops the first k points (dspfu_subvec(x, x, k, n - k)). */
+DSP_API int dspfi_shift(dspf_signal *x, int k);
+DSP_API int dspi_shift(dsp_signal *x, int k);
+/* Rotates left by (n + 1) / 2 points: the zero-frequency point moves to n / 2. */
+DSP_API int dspfi_swap_halves(dspf_signal *x);
+DSP_API int dspi_swap_halves(dsp_signal *x);
+/* Rotates left by n / 2 points: the inverse of swap_halves. */
+DSP_API int dspfi_swap_halves2(dspf_signal *x);
+DSP_API int dspi_swap_halves2(dsp_signal *x);
+/* Sets all n points to zero (storage grown to n points if needed). */
+DSP_API int dspfi_zero(dspf_signal *x);
+DSP_API int dspi_zero(dsp_signal *x);
+/* Grows to m points, the new points zero; m <= n leaves the record as it is. */
+DSP_API int dspfi_zpad(dspf_signal *x, int m);
+DSP_API int dspi_zpad(dsp_signal *x, int m);
+/* Grows to m points. flags bits 0-1: scaling 0 = times m/n, 1 = times sqrt(m/n),
+ * 2 = none; bits 8-10: placement 0x000 = pad after, 0x100 = centred,
+ * 0x200 = pad before, 0x300 = padding in the middle (spectra). Invalid flags
+ * give -1 after the record has been lengthened. */
+DSP_API int dspfi_zpad2(dspf_signal *x, int m, int flags);
+DSP_API int dspi_zpad2(dsp_signal *x, int m, int flags);
+/* Shrinks to m points with the flags of zpad2: 0x000 keeps the first m points,
+ * 0x100 the centred ones, 0x200 the last ones, 0x300 the first (m + 1) / 2 and
+ * the last m / 2. m >= n leaves the record as it is; invalid flags give -1. */
+DSP_API int dspfi_unzpad(dspf_signal *x, int m, int flags);
+DSP_API int dspi_unzpad(dsp_signal *x, int m, int flags);
+/* Inserts a zero point after every point: n doubles, delta halves. */
+DSP_API int dspfi_zinter(dspf_signal *x);
+DSP_API int dspi_zinter(dsp_signal *x);
+/* Sorts ascending; complex points by squared magnitude, then real part, then
+ * imaginary part. */
+DSP_API int dspfi_sort(dspf_signal *x);
+DSP_API int dspi_sort(dsp_signal *x);
 
 /* (end of section) */
 
@@ -231,11 +339,72 @@ DSP_API int dspi_timesi(dsp_signal *x);
  * Differences, integration and phase unwrapping (in place)
  * ------------------------------------------------------------------------ */
 
+/* Running sum times delta. */
+DSP_API int dspfi_integ(dspf_signal *x);
+DSP_API int dspi_integ(dsp_signal *x);
+/* Backward difference over delta (the first output is x[0] / delta); a delta
+ * of exactly 0 multiplies by the large substitute value instead. */
+DSP_API int dspfi_differ(dspf_signal *x);
+DSP_API int dspi_differ(dsp_signal *x);
+/* Derivative of the polynomial whose coefficient of x^i is point i; n - 1. */
+DSP_API int dspfi_pdiffer(dspf_signal *x);
+DSP_API int dspi_pdiffer(dsp_signal *x);
+/* Replaces a real record by the times of its crossings of level, in delta
+ * units from sample 0; flags bit 0 rising, bit 1 falling. delta becomes 1. */
+DSP_API int dspfi_edge(dspf_signal *x, int flags, float level);
+DSP_API int dspi_edge(dsp_signal *x, int flags, double level);
+/* Unwraps a real phase record against the previous output. */
+DSP_API int dspfi_unwrap(dspf_signal *x);
+DSP_API int dspi_unwrap(dsp_signal *x);
+/* Unwraps a real phase record against the mean of up to w previous outputs;
+ * w = 0 brings every sample into [-pi, pi]; w = 1 is dspfi_unwrap. */
+DSP_API int dspfi_unwrap_wnd(dspf_signal *x, int w);
+DSP_API int dspi_unwrap_wnd(dsp_signal *x, int w);
+/* Half spectrum of n points to the full spectrum of 2(n - 1) points. */
+DSP_API int dspfi_recon(dspf_signal *x);
+DSP_API int dspi_recon(dsp_signal *x);
+/* Half spectrum of n points to the full spectrum of 2(n - 1) points (odd 0)
+ * or 2n - 1 points (odd nonzero). */
+DSP_API int dspfi_orecon(dspf_signal *x, int odd);
+DSP_API int dspi_orecon(dsp_signal *x, int odd);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Complex FFT, bit reversal and raw-array entry points
  * ------------------------------------------------------------------------ */
+
+/*
+ * In-place complex FFT of n = 2^k points (1, 2, 4, ...; else -1 and the
+ * record is untouched). inverse == 0: forward transform
+ * X[k] = (1/n) sum_m x[m] e^(-2 pi i k m / n); otherwise the unscaled inverse
+ * x[m] = sum_k X[k] e^(+2 pi i k m / n). Input and output in natural order;
+ * a real record becomes complex (except n = 1, which only updates delta).
+ * delta becomes 1 / (delta * n), or L when delta is 0. The bit-reversal and
+ * twiddle tables of each size are built on first use and kept until
+ * dspf_free_internal / dsp_free_internal.
+ */
+DSP_API int dspfi_fft(dspf_signal *x, int inverse);
+DSP_API int dspi_fft(dsp_signal *x, int inverse);
+/*
+ * Bit-reversal permutation of a record of 2^k points: point i and the point
+ * at the bit reversal of i (over k bits) change places (single scalars for a
+ * real record). bitrev_scale also multiplies every scalar by 1/n. -1 when n
+ * is not a power of two.
+ */
+DSP_API int dspfi_bitrev(dspf_signal *x);
+DSP_API int dspi_bitrev(dsp_signal *x);
+DSP_API int dspfi_bitrev_scale(dspf_signal *x);
+DSP_API int dspi_bitrev_scale(dsp_signal *x);
+/*
+ * dspfi_fft of the n points (cplx != 0: 2n interleaved scalars) at data,
+ * wrapped in a temporary record that does not own the array. Complex data
+ * is transformed in the caller's array. Real data must not be passed: the
+ * transform widens the temporary record into storage of its own, so the
+ * result is not in the caller's array and that storage is never released.
+ */
+DSP_API int cf_dspfi_fft(float *data, int n, int cplx, int inverse);
+DSP_API int cf_dspi_fft(double *data, int n, int cplx, int inverse);
 
 /* (end of section) */
 
@@ -243,11 +412,55 @@ DSP_API int dspi_timesi(dsp_signal *x);
  * Real FFT, DFT, DCT, Hilbert transform and analytic signal
  * ------------------------------------------------------------------------ */
 
+/* Real record of n = 2^b points to its half spectrum X[0..n/2] (n/2 + 1
+ * complex points), X[k] = (1/n) sum x[m] e^(-2 pi i k m / n); delta becomes
+ * 1/(delta n) (L when 0). -1 for complex input or n not a power of two. */
+DSP_API int dspfi_rfft(dspf_signal *x);
+DSP_API int dspi_rfft(dsp_signal *x);
+/* Half spectrum of n points to the real signal of 2(n - 1) points
+ * (unscaled inverse); 2(n - 1) must be a power of two. */
+DSP_API int dspfi_irfft(dspf_signal *x);
+DSP_API int dspi_irfft(dsp_signal *x);
+/* Complex DFT of any length (inverse != 0: unscaled inverse); powers of two
+ * go through the FFT, other lengths through the chirp-z transform. n < 2:
+ * samples unchanged, delta becomes 1/delta. */
+DSP_API int dspfi_dft(dspf_signal *x, int inverse);
+DSP_API int dspi_dft(dsp_signal *x, int inverse);
+/* Real record of any length to its half spectrum of n/2 + 1 points. */
+DSP_API int dspfi_rdft(dspf_signal *x);
+DSP_API int dspi_rdft(dsp_signal *x);
+/* Half spectrum to the real signal of 2(n - 1) points (odd == 0) or 2n - 1
+ * points (odd != 0), unscaled inverse. */
+DSP_API int dspfi_irdft(dspf_signal *x, int odd);
+DSP_API int dspi_irdft(dsp_signal *x, int odd);
+/* DCT-II of a real record, C[k] = (2/n) w[k] sum x[m] cos(pi k (2m+1) / (2n))
+ * with w[0] = sqrt(1/2), w[k] = 1 otherwise; inverse != 0 applies the exact
+ * inverse. -1 for complex input. */
+DSP_API int dspfi_dct(dspf_signal *x, int inverse);
+DSP_API int dspi_dct(dsp_signal *x, int inverse);
+/* Hilbert transform: positive frequencies times -i, negative times +i, DC
+ * and Nyquist removed; a real record stays real. */
+DSP_API int dspfi_hilbert(dspf_signal *x);
+DSP_API int dspi_hilbert(dsp_signal *x);
+/* Analytic signal: positive frequencies doubled, negative ones removed. */
+DSP_API int dspfi_analytic(dspf_signal *x);
+DSP_API int dspi_analytic(dsp_signal *x);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Window names
  * ------------------------------------------------------------------------ */
+
+/* Window kind of a name: the 80 names ("Hann", "P110", "DSP_WINDOW_HANN",
+ * ...) in any mix of upper and lower case, whole names only. 0 and the value
+ * written on a match; -1 and 0 written otherwise; -1 for null pointers. */
+DSP_API int dspf_window_from_str(const char *name, dsp_window *value);
+DSP_API int dsp_window_from_str(const char *name, dsp_window *value);
+/* Name of a window kind: never finds one; writes an empty text into buf
+ * (when buf is not null and len > 0) and returns -1. */
+DSP_API int dspf_window_to_str(dsp_window code, char *buf, int len);
+DSP_API int dsp_window_to_str(dsp_window code, char *buf, int len);
 
 /* (end of section) */
 
@@ -255,11 +468,63 @@ DSP_API int dspi_timesi(dsp_signal *x);
  * Window generation
  * ------------------------------------------------------------------------ */
 
+/*
+ * Window flags: bits 0-1 normalisation (0 unit mean, 1 unit rms, 2 unit
+ * peak, 3 invalid); 4 symmetric sampling (Gauss, Kaiser, sinc, Tukey only);
+ * 8 explicit width from the parameter (cosine sums and the uniform box
+ * only); 16 rotate even the uniform window; 32 do not rotate. Windows are
+ * centred at index n/2 and, unless flag 32, the windowed record is rotated
+ * left by n/2 points so that the centre lands at index 0. A complex record is
+ * multiplied point by point (both parts) by the real window.
+ */
+/* Multiplies x by the window of a kind (0-24); -1 with flag 8. */
+DSP_API int dspfi_window(dspf_signal *x, dsp_window kind, int flags);
+DSP_API int dspi_window(dsp_signal *x, dsp_window kind, int flags);
+/* As dspfi_window with the explicit width p (flag 8); generated windows are
+ * kept in a cache of 16 (first in, first out). */
+DSP_API int dspfi_window2(dspf_signal *x, dsp_window kind, int flags, float p);
+DSP_API int dspi_window2(dsp_signal *x, dsp_window kind, int flags, double p);
+/* Cosine sum with the caller's coefficients (real record), periodic, not
+ * normalised, always rotated. */
+DSP_API int dspfi_window_cos(dspf_signal *x, const dspf_signal *coef);
+DSP_API int dspi_window_cos(dsp_signal *x, const dsp_signal *coef);
+/* Gaussian exp(-d^2 / (2 sigma^2 n^2)) at distance d from the centre. */
+DSP_API int dspfi_window_gauss(dspf_signal *x, float sigma, int flags);
+DSP_API int dspi_window_gauss(dsp_signal *x, double sigma, int flags);
+/* Kaiser I0(beta sqrt(1 - (2d/n)^2)) (symmetric: 2d/(n-1)). */
+DSP_API int dspfi_window_kaiser(dspf_signal *x, float beta, int flags);
+DSP_API int dspi_window_kaiser(dsp_signal *x, double beta, int flags);
+/* Sinc power (sin(u)/u)^power over u in [-half_span, half_span]; the single
+ * family uses sin(u) as the base. */
+DSP_API int dspfi_window_sinc(dspf_signal *x, float half_span, float power, int flags);
+DSP_API int dspi_window_sinc(dsp_signal *x, double half_span, double power, int flags);
+/* Tukey window: flat over the fraction 1 - alpha, cosine tapers outside. */
+DSP_API int dspfi_window_tukey(dspf_signal *x, float alpha, int flags);
+DSP_API int dspi_window_tukey(dsp_signal *x, double alpha, int flags);
+/* Filter-design windows (unit peak, symmetric, not rotated): code 100
+ * Gaussian, 101 Kaiser from the transition width p, 102 and 103 sinc
+ * powers; other codes are window kinds. */
+DSP_API int dspfi_window_fir(dspf_signal *x, int code, float p);
+DSP_API int dspi_window_fir(dsp_signal *x, int code, double p);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Window metrics
  * ------------------------------------------------------------------------ */
+
+/* Peak of the window of n points normalised by the mode of flags (1 for
+ * unit peak or n <= 0); -1 with flag 8 or mode 3. */
+DSP_API int dspf_window_scale(float *out, dsp_window kind, int flags, int n);
+DSP_API int dsp_window_scale(double *out, dsp_window kind, int flags, int n);
+/* As window_scale with the explicit width p when flags has bit 8. */
+DSP_API int dspf_window2_scale(float *out, dsp_window kind, int flags, int n, float p);
+DSP_API int dsp_window2_scale(double *out, dsp_window kind, int flags, int n, double p);
+/* Equivalent noise bandwidth in bins: mean square over squared mean. */
+DSP_API int dspf_window_enbw(float *out, dsp_window kind, int n);
+DSP_API int dsp_window_enbw(double *out, dsp_window kind, int n);
+DSP_API int dspf_window2_enbw(float *out, dsp_window kind, int n, float p);
+DSP_API int dsp_window2_enbw(double *out, dsp_window kind, int n, double p);
 
 /* (end of section) */
 

@@ -2,6 +2,8 @@
 // real to complex, rectangular and polar forms.
 #pragma once
 
+#include <cmath>
+
 #include "frame/traits.hpp"
 
 namespace dsp {
@@ -18,16 +20,23 @@ template <class T> int conj(signal_t<T> &x);
 template <class T> int timesi(signal_t<T> &x);
 
 // Squared magnitude of one value or point, L when a part lies outside
-// [-L, L] (never overflows; NaN passes through).
+// [-L, L] (never overflows; NaN passes through unless the other part is
+// out of range). Written as selects in which the square is also part of the
+// condition, so that it is computed unconditionally and loops over these
+// vectorise even with trapping math.
 template <class T>
 inline T clamped_square(T x) {
     constexpr T L = precision<T>::large;
-    return (x > L || x < -L) ? L : x * x;
+    const T s = x * x;
+    return (std::fabs(x) <= L) | (s != s) ? s : L;
 }
 template <class T>
 inline T clamped_magsq(T re, T im) {
     constexpr T L = precision<T>::large;
-    return (re > L || re < -L || im > L || im < -L) ? L : im * im + re * re;
+    const T s = im * im + re * re;
+    const bool in = (std::fabs(re) <= L) & (std::fabs(im) <= L);
+    const bool out = (std::fabs(re) > L) | (std::fabs(im) > L);
+    return in | ((s != s) & !out) ? s : L;  // s is NaN only for a NaN part
 }
 
 }  // namespace dsp

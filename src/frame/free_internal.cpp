@@ -24,12 +24,12 @@ int free_internal() {
     const step steps[8] = {
         nullptr,                    // 1 FIR filtering: three work records
         nullptr,                    // 2 symmetric FIR filtering: work record
-        nullptr,                    // 3 bit-reversal index tables
-        nullptr,                    // 4 DCT: work record and rotation table
-        nullptr,                    // 5 DFT: chirp and kernel records
+        release_bitrev_tables<T>,   // 3 bit-reversal index tables
+        release_dct_cache<T>,       // 4 DCT: work record and rotation table
+        release_dft_scratch<T>,     // 5 DFT: chirp and kernel records
         release_result_scratch<T>,  // 6 result preparation: output scratch and state
-        nullptr,                    // 7 FFT twiddle tables
-        nullptr,                    // 8 window cache
+        release_twiddle_tables<T>,  // 7 FFT twiddle tables
+        release_window_cache<T>,    // 8 window cache
     };
     for (step s : steps)
         if (s && s() != 0) return -1;

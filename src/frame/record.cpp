@@ -100,8 +100,9 @@ int append(signal_t<T> &a, const signal_t<T> &b) {
     a.n = old + bn;
     if (realloc<T>(a, old, a.cplx) != 0) return -1;
     if (bn <= 0) return 0;
-    if (a.data != before && before_len > 0 && src >= before && src < before + before_len)
-        src = a.data + (src - before);
+    const auto at = reinterpret_cast<uintptr_t>(src), lo = reinterpret_cast<uintptr_t>(before);
+    if (a.data != before && before_len > 0 && at >= lo && at < lo + before_len * sizeof(T))
+        src = a.data + (at - lo) / sizeof(T);
     if (!a.cplx) {
         std::memmove(a.data + old, src, size_t(bn) * sizeof(T));
     } else if (bcplx) {

@@ -1,0 +1,298 @@
+// Complex FFT: radix-4 decimation in frequency (a radix-2 step last for odd
+// powers of two) in place, leaving the spectrum in bit-reversed order, then
+// the bit-reversal permutation (with the 1/n scaling when forward).
+#include "transform/fft.hpp"
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "elementwise/convert.hpp"
+#include "transform/fft_kernel.hpp"
+
+namespace dsp {
+
+namespace {
+
+// A growing array of tables keyed by the number of bits b (n = 2^b),
+// searched linearly. Tables and the entry array come from std::malloc.
+template <class P>
+struct table_cache {
+    struct entry {
+        P *table;
+        int b;
+    };
+    entry *entries = nullptr;
+    int count = 0;
+
+    // The table for b, built by build(b) on first use. An entry whose table
+    // is null (an earlier allocation failed) is rebuilt in place. Null when
+    // allocation fails.
+    template <class Build>
+    P *get(int b, Build build) {
+        for (int i = 0; i < count; ++i) {
+            if (entries[i].b != b) continue;
+            if (!entries[i].table) entries[i].table = build(b);
+            return entries[i].table;
+        }
+        auto *grown =
+            static_cast<entry *>(std::realloc(entries, size_t(count + 1) * sizeof(entry)));
+        if (!grown) return nullptr;
+        entries = grown;
+        entries[count].b = b;
+        entries[count].table = build(b);
+        ++count;
+        return entries[count - 1].table;
+    }
+
+    void release() {
+        for (int i = 0; i < count; ++i) std::free(entries[i].table);
+        std::free(entries);
+        entries = nullptr;
+        count = 0;
+    }
+};
+
+// The caches of one precision: bit-reversal swap pairs, the fixed indices
+// of the scaling permutation, and the twiddle tables.
+template <class T>
+struct caches {
+    static inline table_cache<uint32_t> pairs;
+    static inline table_cache<uint32_t> fixed;
+    static inline table_cache<T> twiddles;
+};
+
+// Ends the list of fixed indices (which starts with index 0).
+constexpr uint32_t fixed_end = 0x12345678u;
+
+// Bit reversal of i over b bits from two half-length reversal tables: the
+// low h bits and the high b - h bits are reversed separately and exchanged.
+struct reverser {
+    uint32_t *lo = nullptr, *hi = nullptr;
+    int h = 0, b = 0;
+    explicit reverser(int bits) : h(bits / 2), b(bits) {
+        lo = static_cast<uint32_t *>(std::malloc((size_t(1) << h) * sizeof(uint32_t)));
+        hi = static_cast<uint32_t *>(std::malloc((size_t(1) << (b - h)) * sizeof(uint32_t)));
+        if (lo) fill(lo, h);
+        if (hi) fill(hi, b - h);
+    }
+    ~reverser() {
+        std::free(lo);
+        std::free(hi);
+    }
+    reverser(const reverser &) = delete;
+    reverser &operator=(const reverser &) = delete;
+    bool ok() const { return lo && hi; }
+    uint32_t operator()(uint32_t i) const {
+        return (lo[i & ((1u << h) - 1)] << (b - h)) | hi[i >> h];
+    }
+    static void fill(uint32_t *t, int bits) {
+        t[0] = 0;
+        for (int k = 0; k < bits; ++k) {
+            const uint32_t half = 1u << k, top = 1u << (bits - 1 - k);
+            for (uint32_t i = 0; i < half; ++i) t[half + i] = t[i] | top;
+        }
+    }
+};
+
+// Index pairs (i, j), i < j, j the reversal of i, ended by a 0 index.
+uint32_t *build_pairs(int b) {
+    reverser rev(b);
+    if (!rev.ok()) return nullptr;
+    const uint64_t n = uint64_t(1) << b;
+    const uint64_t palindromes = uint64_t(1) << ((b + 1) / 2);
+    auto *t = static_cast<uint32_t *>(std::malloc(size_t(n - palindromes + 1) * sizeof(uint32_t)));
+    if (!t) return nullptr;
+    size_t k = 0;
+    for (uint32_t i = 1; i < n; ++i) {
+        const uint32_t j = rev(i);
+        if (i < j) {
+            t[k++] = i;
+            t[k++] = j;
+        }
+    }
+    t[k] = 0;
+    return t;
+}
+
+// The indices equal to their own reversal (0 included), ended by fixed_end.
+uint32_t *build_fixed(int b) {
+    reverser rev(b);
+    if (!rev.ok()) return nullptr;
+    const uint64_t n = uint64_t(1) << b;
+    const uint64_t palindromes = uint64_t(1) << ((b + 1) / 2);
+    auto *t = static_cast<uint32_t *>(std::malloc(size_t(palindromes + 1) * sizeof(uint32_t)));
+    if (!t) return nullptr;
+    size_t k = 0;
+    for (uint32_t i = 0; i < n; ++i)
+        if (rev(i) == i) t[k++] = i;
+    t[k] = fixed_end;
+    return t;
+}
+
+// cos and sin of 2 pi j / n (n a power of two), evaluated in long double on
+// an angle reduced to the first half quadrant, so that every value is the
+// correctly reduced one and the symmetric points come out exact.
+void cis(uint64_t j, uint64_t n, long double &c, long double &s) {
+    constexpr long double half_pi = 1.570796326794896619231321691639751442L;
+    j %= n;
+    const uint64_t q = (4 * j) / n;        // quadrant
+    const uint64_t r = 4 * j - q * n;      // 4 j / n = q + r / n
+    long double c0, s0;
+    if (2 * r <= n) {
+        const long double a = half_pi * (static_cast<long double>(r) / n);
+        c0 = std::cos(a);
+        s0 = std::sin(a);
+    } else {
+        const long double a = half_pi * (static_cast<long double>(n - r) / n);
+        c0 = std::sin(a);
+        s0 = std::cos(a);
+    }
+    switch (q) {
+        case 0: c = c0, s = s0; break;
+        case 1: c = -s0, s = c0; break;
+        case 2: c = -c0, s = -s0; break;
+        default: c = s0, s = -c0; break;
+    }
+}
+
+// Twiddle table for n = 2^b: the radix-4 stages, largest first; the stage of
+// blocks of 4m points holds w^k, w^2k, w^3k for k < m, w = e^(-2 pi i / 4m),
+// as six arrays of m scalars (re, im of each).
+template <class T>
+T *build_twiddles(int b) {
+    const size_t length = size_t(fft_kernel::twiddle_length(b));
+    auto *t = static_cast<T *>(std::malloc((length ? length : 1) * sizeof(T)));
+    if (!t) return nullptr;
+    T *p = t;
+    for (int64_t m = (int64_t(1) << b) / 4; m >= 1; m /= 4) {
+        const uint64_t span = uint64_t(4 * m);
+        for (int r = 1; r <= 3; ++r) {
+            T *re = p + 2 * (r - 1) * m, *im = re + m;
+            for (int64_t k = 0; k < m; ++k) {
+                long double c, s;
+                cis(uint64_t(r) * uint64_t(k), span, c, s);
+                re[k] = T(c);
+                im[k] = T(-s);
+            }
+        }
+        p += 6 * m;
+    }
+    return t;
+}
+
+template <class T>
+T *twiddles(int b) {
+    return caches<T>::twiddles.get(b, build_twiddles<T>);
+}
+
+}  // namespace
+
+template <class T>
+int bitrev(signal_t<T> &x) {
+    const int b = log2_exact(x.n);
+    if (b < 0) return -1;
+    const uint32_t *p = caches<T>::pairs.get(b, build_pairs);
+    if (!p) return -1;
+    T *d = x.data;
+    if (x.cplx) {
+        for (; *p; p += 2) {
+            T *u = d + 2 * size_t(p[0]), *v = d + 2 * size_t(p[1]);
+            const T ur = u[0], ui = u[1];
+            u[0] = v[0], u[1] = v[1];
+            v[0] = ur, v[1] = ui;
+        }
+    } else {
+        for (; *p; p += 2) {
+            const T u = d[p[0]];
+            d[p[0]] = d[p[1]];
+            d[p[1]] = u;
+        }
+    }
+    return 0;
+}
+
+template <class T>
+int bitrev_scale(signal_t<T> &x) {
+    const int b = log2_exact(x.n);
+    if (b < 0) return -1;
+    const uint32_t *p = caches<T>::pairs.get(b, build_pairs);
+    if (!p) return -1;
+    const uint32_t *f = caches<T>::fixed.get(b, build_fixed);
+    if (!f) return -1;
+    // 1/n is a power of two: exact in either precision.
+    const T s = T(1.0 / double(x.n));
+    T *d = x.data;
+    if (x.cplx) {
+        for (; *p; p += 2) {
+            T *u = d + 2 * size_t(p[0]), *v = d + 2 * size_t(p[1]);
+            const T ur = u[0], ui = u[1];
+            u[0] = v[0] * s, u[1] = v[1] * s;
+            v[0] = ur * s, v[1] = ui * s;
+        }
+        for (; *f != fixed_end; ++f) {
+            T *u = d + 2 * size_t(*f);
+            u[0] *= s, u[1] *= s;
+        }
+    } else {
+        for (; *p; p += 2) {
+            const T u = d[p[0]];
+            d[p[0]] = d[p[1]] * s;
+            d[p[1]] = u * s;
+        }
+        for (; *f != fixed_end; ++f) d[*f] *= s;
+    }
+    return 0;
+}
+
+template <class T>
+int fft(signal_t<T> &x, int inverse) {
+    const int b = log2_exact(x.n);
+    if (b < 0) return -1;
+    const int64_t n = x.n;
+    if (n == 2) {
+        if (!inverse) {
+            T *d = x.data;
+            const int64_t count = x.cplx ? 4 : 2;
+            for (int64_t i = 0; i < count; ++i) d[i] *= T(0.5);
+        }
+        if (rtoc<T>(x) != 0) return -1;
+        T *d = x.data;
+        const T r0 = d[0], i0 = d[1], r1 = d[2], i1 = d[3];
+        d[0] = r0 + r1, d[1] = i0 + i1;
+        d[2] = r0 - r1, d[3] = i0 - i1;
+    } else if (n >= 4) {
+        if (rtoc<T>(x) != 0) return -1;
+        const T *tw = twiddles<T>(b);
+        if (!tw) return -1;
+        fft_kernel::transform<T>(x.data, b, tw, inverse != 0);
+        if ((inverse ? bitrev<T>(x) : bitrev_scale<T>(x)) != 0) return -1;
+    }
+    x.delta = x.delta == T(0) ? precision<T>::large : T(1) / (x.delta * T(n));
+    return 0;
+}
+
+template <class T>
+int release_bitrev_tables() {
+    caches<T>::pairs.release();
+    caches<T>::fixed.release();
+    return 0;
+}
+
+template <class T>
+int release_twiddle_tables() {
+    caches<T>::twiddles.release();
+    return 0;
+}
+
+#define DSP_INSTANTIATE(T)                           \
+    template int fft<T>(signal_t<T> &, int);         \
+    template int bitrev<T>(signal_t<T> &);           \
+    template int bitrev_scale<T>(signal_t<T> &);     \
+    template int release_bitrev_tables<T>();         \
+    template int release_twiddle_tables<T>();
+DSP_INSTANTIATE(float)
+DSP_INSTANTIATE(double)
+#undef DSP_INSTANTIATE
+
+}  // namespace dsp

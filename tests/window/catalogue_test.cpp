@@ -1,0 +1,96 @@
+// Window names: every row of the table in any case mix, failures, and the
+// value-to-text conversion that never succeeds.
+#include <cctype>
+#include <string>
+
+#include "support/support.hpp"
+
+using namespace dsp_test;
+
+namespace {
+
+struct row {
+    const char *name;
+    dsp_window value;
+};
+
+// The short names with the enumerator each stands for.
+const row short_names[] = {
+    {"Uniform", DSP_WINDOW_UNIFORM},     {"Rectangular", DSP_WINDOW_RECTANGULAR},
+    {"None", DSP_WINDOW_NONE},           {"P000", DSP_WINDOW_P000},
+    {"Bartlett", DSP_WINDOW_BARTLETT},   {"Triangular", DSP_WINDOW_TRIANGULAR},
+    {"Hann", DSP_WINDOW_HANN},           {"P110", DSP_WINDOW_P110},
+    {"Hamming", DSP_WINDOW_HAMMING},     {"P100", DSP_WINDOW_P100},
+    {"Blackman", DSP_WINDOW_BLACKMAN},   {"Blackman_Harris3", DSP_WINDOW_BLACKMAN_HARRIS3},
+    {"P200", DSP_WINDOW_P200},           {"Blackman_Harris4", DSP_WINDOW_BLACKMAN_HARRIS4},
+    {"P310", DSP_WINDOW_P310},           {"Lowleak", DSP_WINDOW_LOWLEAK},
+    {"Gausstop", DSP_WINDOW_GAUSSTOP},   {"P400", DSP_WINDOW_P400},
+    {"Flat4", DSP_WINDOW_FLAT4},         {"P301", DSP_WINDOW_P301},
+    {"Flattop", DSP_WINDOW_FLATTOP},     {"Flat5", DSP_WINDOW_FLAT5},
+    {"P401", DSP_WINDOW_P401},           {"Flat6", DSP_WINDOW_FLAT6},
+    {"P511", DSP_WINDOW_P511},           {"Flat7", DSP_WINDOW_FLAT7},
+    {"P611", DSP_WINDOW_P611},           {"P501", DSP_WINDOW_P501},
+    {"P601", DSP_WINDOW_P601},           {"Kaiser70", DSP_WINDOW_KAISER70},
+    {"Kaiser80", DSP_WINDOW_KAISER80},   {"Kaiser90", DSP_WINDOW_KAISER90},
+    {"Kaiser100", DSP_WINDOW_KAISER100}, {"Kaiser110", DSP_WINDOW_KAISER110},
+    {"Kaiser120", DSP_WINDOW_KAISER120}, {"Gauss60", DSP_WINDOW_GAUSS60},
+    {"Gauss70", DSP_WINDOW_GAUSS70},     {"Gauss80", DSP_WINDOW_GAUSS80},
+    {"Riemann", DSP_WINDOW_RIEMANN},     {"Sinc_Lobe", DSP_WINDOW_SINC_LOBE},
+};
+
+std::string upper(std::string s) {
+    for (char &c : s) c = char(std::toupper(static_cast<unsigned char>(c)));
+    return s;
+}
+
+}  // namespace
+
+template <class T>
+class WindowNames : public ::testing::Test {};
+TYPED_TEST_SUITE(WindowNames, Precisions);
+
+TYPED_TEST(WindowNames, EveryRowInAnyCaseMix) {
+    static_assert(sizeof short_names / sizeof short_names[0] == 40);
+    for (const row &r : short_names) {
+        const std::string name = r.name;
+        std::string enumerator = "DSP_WINDOW_" + upper(name);
+        std::string mixed = name;
+        for (size_t i = 0; i < mixed.size(); i += 2)
+            mixed[i] = char(std::tolower(static_cast<unsigned char>(mixed[i])));
+        for (const std::string &s :
+             {name, upper(name), mixed, enumerator, std::string("dsp_window_") + name}) {
+            dsp_window v = -7;
+            EXPECT_EQ(DSP(_window_from_str)(s.c_str(), &v), 0) << s;
+            EXPECT_EQ(v, r.value) << s;
+        }
+        // A prefix, a trailing blank or an extra letter do not match.
+        for (const std::string &s : {name.substr(0, name.size() - 1), name + " ", name + "x"}) {
+            dsp_window v = -7;
+            EXPECT_EQ(DSP(_window_from_str)(s.c_str(), &v), -1) << s;
+            EXPECT_EQ(v, 0) << s;
+        }
+    }
+    dsp_window v = -7;
+    EXPECT_EQ(DSP(_window_from_str)("lowleak", &v), 0);
+    EXPECT_EQ(v, 6);
+    EXPECT_EQ(DSP(_window_from_str)("", &v), -1);
+    EXPECT_EQ(v, 0);
+    v = -7;
+    EXPECT_EQ(DSP(_window_from_str)(nullptr, &v), -1);
+    EXPECT_EQ(v, -7);
+    EXPECT_EQ(DSP(_window_from_str)("Hann", nullptr), -1);
+}
+
+TYPED_TEST(WindowNames, ValueToTextAlwaysFails) {
+    char buf[32];
+    for (dsp_window code : {0, 2, 23, 24, -1}) {
+        std::fill(buf, buf + sizeof buf, 'x');
+        EXPECT_EQ(DSP(_window_to_str)(code, buf, int(sizeof buf)), -1);
+        EXPECT_EQ(buf[0], 0);
+        EXPECT_EQ(buf[1], 'x');
+    }
+    buf[0] = 'x';
+    EXPECT_EQ(DSP(_window_to_str)(DSP_WINDOW_HANN, buf, 0), -1);
+    EXPECT_EQ(buf[0], 'x');
+    EXPECT_EQ(DSP(_window_to_str)(DSP_WINDOW_HANN, nullptr, 32), -1);
+}
