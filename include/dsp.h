@@ -612,11 +612,66 @@ DSP_API int dsps_magsq_sum(const dsp_signal *in, dsp_signal *out);
 DSP_API int dspfs_rms(const dspf_signal *in, dspf_signal *out);
 DSP_API int dsps_rms(const dsp_signal *in, dsp_signal *out);
 
+/* Median: mean of the two middle points for even n, after sorting a copy
+ * (complex records by magnitude); per part for complex records. */
+DSP_API int dspfs_median(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_median(const dsp_signal *in, dsp_signal *out);
+/* Largest / smallest sample (complex: by squared magnitude, returned whole);
+ * the first of equal extremes; a sample outside [-L, L] compares as L. */
+DSP_API int dspfs_max(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_max(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_min(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_min(const dsp_signal *in, dsp_signal *out);
+/* Geometric mean (principal n-th root of the product; 0 when the product,
+ * or its squared magnitude, is below the smallest normal number) and
+ * harmonic mean (0 when a sample is zero). */
+DSP_API int dspfs_gmean(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_gmean(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_hmean(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_hmean(const dsp_signal *in, dsp_signal *out);
+/* Population and sample (n - 1) variance and standard deviation, real
+ * results. The single family computes the variance of a real record from
+ * its guard constants rather than from the samples. */
+DSP_API int dspfs_pop_var(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_pop_var(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_samp_var(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_samp_var(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_pop_stddev(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_pop_stddev(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_samp_stddev(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_samp_stddev(const dsp_signal *in, dsp_signal *out);
+/* Skewness (0 for an empty record) and excess kurtosis (-3 for an empty
+ * record) of a real record; -1 for complex input; a zero variance gives L
+ * (skew: 0 when the third moment is 0 too). */
+DSP_API int dspfs_skew(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_skew(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_excess(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_excess(const dsp_signal *in, dsp_signal *out);
+/* Histogram into out (n = bins, real, delta = width): bin k counts values v
+ * (complex: magnitudes) with k <= (v - low) / width < k + 1; values up to
+ * bins * 1.0000012 widths past low still count in the last bin. */
+DSP_API int dspfs_hist(const dspf_signal *in, dspf_signal *out, float low, float width, int bins);
+DSP_API int dsps_hist(const dsp_signal *in, dsp_signal *out, double low, double width, int bins);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Peak search
  * ------------------------------------------------------------------------ */
+
+/*
+ * out (real, n = 2, delta not set; may be in) = {peak value, position as a
+ * fractional sample index}. The value of a complex sample is its squared
+ * magnitude. Flags: 0x1000 use `index` (clamped to 0 .. n-1) instead of
+ * searching; 0x2000 search the minimum; interpolation in bits 8-10: 0x000
+ * none, 0x100 parabola through three samples, 0x200 Gaussian through two
+ * samples, 0x300 the same with a correction term, 0x400 and above fail.
+ * The search starts from -L (+L for the minimum) and keeps the first of
+ * equal extremes. An empty record gives {0, 0}. A Gaussian offset outside
+ * -0.5 .. 1.5 is clamped, written, and reported with -1.
+ */
+DSP_API int dspfs_peak(const dspf_signal *in, dspf_signal *out, int flags, int index);
+DSP_API int dsps_peak(const dsp_signal *in, dsp_signal *out, int flags, int index);
 
 /* (end of section) */
 
