@@ -532,6 +532,49 @@ DSP_API int dsp_window2_enbw(double *out, dsp_window kind, int n, double p);
  * Windowed spectrum
  * ------------------------------------------------------------------------ */
 
+/*
+ * The windowed, zero-padded spectrum in one call. A copy of `in` is windowed
+ * with `kind` and the window flags (bits 0-5 as for dspfi_window: the mode
+ * sets the calibration, unit mean for tone amplitudes and unit rms for noise
+ * power; flag 8 is refused), zero-padded to `length` points and transformed:
+ * a real input gives the half spectrum of length/2 + 1 points, a complex
+ * input the full spectrum of length points (zero frequency at index 0);
+ * `delta` becomes the bin spacing 1 / (delta * length). `length` 0 takes n
+ * rounded up to a power of two; otherwise it must be a power of two of at
+ * least n. The padding keeps the level of an unpadded transform: with a
+ * unit-mean window, a real tone of amplitude A peaks at A/2. A rotated
+ * window (the default) puts the record centre at time 0 and the padding in
+ * the middle. Flag bits 8-9 choose the form of the result: complex values,
+ * magnitudes or squared magnitudes (real records). `scratch` is a working
+ * record the caller keeps between calls so that repeated spectra allocate
+ * nothing (null: a temporary one is used; it may be the result record).
+ * -1 for an empty input, an invalid length or form, or a failing step.
+ */
+enum {
+    DSP_SPECTRUM_COMPLEX = 0x000,
+    DSP_SPECTRUM_MAGNITUDE = 0x100,
+    DSP_SPECTRUM_POWER = 0x200
+};
+DSP_API int dspfh_fft(const dspf_signal *in, dspf_signal *result, dspf_signal *scratch,
+                      dsp_window kind, int flags, int length);
+DSP_API int dsph_fft(const dsp_signal *in, dsp_signal *result, dsp_signal *scratch,
+                     dsp_window kind, int flags, int length);
+/* dspfh_fft of the n points (2n scalars when cplx) at `in` into a temporary
+ * result; copies the scalars of n input points (n, or 2n when cplx) of the
+ * result to `out`, at most as many as the result holds (the rest of `out` is
+ * left as it was), and returns the status. */
+DSP_API int cf_dspfh_fft(const float *in, float *out, int n, int cplx, dsp_window kind, int flags,
+                         int length);
+DSP_API int cf_dsph_fft(const double *in, double *out, int n, int cplx, dsp_window kind,
+                        int flags, int length);
+/* As cf_dspfh_fft, but the result record uses `out` (n or 2n scalars) as if
+ * it owned it: no copy. A result larger than `out` (a complex half spectrum
+ * needs n + 2 scalars) would be grown by the allocator as if `out` were the
+ * library's own storage: use it for complex input or with the magnitude or
+ * power form, with length 0 and n a power of two. */
+DSP_API int cf_dspfh_fft_fast_but_dirty(const float *in, float *out, int n, int cplx,
+                                        dsp_window kind, int flags, int length);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
