@@ -114,6 +114,7 @@ struct lib<float> {
     static void alloc(signal *x) { dspf_alloc(x); }
     static void destroy(signal *x) { dspf_destroy(x); }
     static int fft(signal *x) { return dspfi_fft(x, 0); }
+    static int rfft(signal *x) { return dspfi_rfft(x); }
 };
 template <>
 struct lib<double> {
@@ -122,6 +123,7 @@ struct lib<double> {
     static void alloc(signal *x) { dsp_alloc(x); }
     static void destroy(signal *x) { dsp_destroy(x); }
     static int fft(signal *x) { return dspi_fft(x, 0); }
+    static int rfft(signal *x) { return dspi_rfft(x); }
 };
 
 template <class T>
@@ -274,6 +276,117 @@ void register_cfft() {
 }
 
 // ---------------------------------------------------------------------------
+// Real forward FFT, in place: n real samples to the half spectrum of n/2 + 1
+// points. The library's record is turned back into n real samples before
+// every call (the spectrum's scalars serve as the next input); FFTW runs an
+// in-place r2c plan on a padded buffer.
+
+template <class T>
+void rfft_lib(benchmark::State &state) {
+    const int n = int(state.range(0));
+    lib_record<T> r(n);  // complex storage: room for the n/2 + 1 points
+    r.s.cplx = 0;
+    for (auto _ : state) {
+        lib<T>::rfft(&r.s);
+        benchmark::DoNotOptimize(r.s.data);
+        r.s.cplx = 0;
+        r.s.n = n;
+        r.s.delta = T(1);
+    }
+    state.SetItemsProcessed(state.iterations() * n);
+}
+
+void rfft_fftw_float(benchmark::State &state) {
+    const int n = int(state.range(0));
+    auto *buf = fftwf_alloc_complex(size_t(n / 2 + 1));
+    auto *in = reinterpret_cast<float *>(buf);
+    fftwf_plan p = fftwf_plan_dft_r2c_1d(n, in, buf, FFTW_ESTIMATE);
+    const auto v = noise(size_t(n), 1);
+    for (size_t i = 0; i < v.size(); ++i) in[i] = float(v[i]);
+    for (auto _ : state) {
+        fftwf_execute(p);
+        benchmark::DoNotOptimize(buf);
+    }
+    state.SetItemsProcessed(state.iterations() * n);
+    fftwf_destroy_plan(p);
+    fftwf_free(buf);
+}
+
+void rfft_fftw_double(benchmark::State &state) {
+    const int n = int(state.range(0));
+    auto *buf = fftw_alloc_complex(size_t(n / 2 + 1));
+    auto *in = reinterpret_cast<double *>(buf);
+    fftw_plan p = fftw_plan_dft_r2c_1d(n, in, buf, FFTW_ESTIMATE);
+    const auto v = noise(size_t(n), 1);
+    for (size_t i = 0; i < v.size(); ++i) in[i] = v[i];
+    for (auto _ : state) {
+        fftw_execute(p);
+        benchmark::DoNotOptimize(buf);
+    }
+    state.SetItemsProcessed(state.iterations() * n);
+    fftw_destroy_plan(p);
+    fftw_free(buf);
+}
+
+// Accuracy of the half spectrum, library and FFTW, against the long-double
+// reference of the real samples (as rounded to the precision under test).
+template <class T, class Plan, class Make, class Exec, class Destroy>
+void rfft_accuracy_one(const std::string &family, int n, const std::vector<double> &v,
+                       Make make, Exec exec, Destroy destroy) {
+    std::vector<cld> x(v.size());
+    for (size_t i = 0; i < v.size(); ++i) x[i] = cld(T(v[i]), 0);
+    auto ref = reference_dft(x);
+    ref.resize(size_t(n / 2 + 1));
+    lib_record<T> r(n);
+    r.s.cplx = 0;
+    for (size_t i = 0; i < v.size(); ++i) r.s.data[i] = T(v[i]);
+    lib<T>::rfft(&r.s);
+    accuracy[{family, "dsp", n}] = rel_rms(r.s.data, ref, 1.0L / n);
+    std::vector<T> buf(size_t(n + 2));
+    for (size_t i = 0; i < v.size(); ++i) buf[i] = T(v[i]);
+    Plan p = make(n, buf.data());
+    exec(p);
+    accuracy[{family, "fftw", n}] = rel_rms(buf.data(), ref, 1.0L);
+    destroy(p);
+}
+
+void rfft_accuracy() {
+    for (int b = min_log2; b <= max_log2; ++b) {
+        const int n = 1 << b;
+        const auto v = noise(size_t(n), unsigned(100 + b));
+        rfft_accuracy_one<float, fftwf_plan>(
+            "rfft float", n, v,
+            [](int m, float *d) {
+                return fftwf_plan_dft_r2c_1d(m, d, reinterpret_cast<fftwf_complex *>(d),
+                                             FFTW_ESTIMATE);
+            },
+            fftwf_execute, fftwf_destroy_plan);
+        rfft_accuracy_one<double, fftw_plan>(
+            "rfft double", n, v,
+            [](int m, double *d) {
+                return fftw_plan_dft_r2c_1d(m, d, reinterpret_cast<fftw_complex *>(d),
+                                            FFTW_ESTIMATE);
+            },
+            fftw_execute, fftw_destroy_plan);
+    }
+}
+
+void register_rfft() {
+    add_family("rfft float", {"dsp", "fftw"});
+    add_family("rfft double", {"dsp", "fftw"});
+    const std::pair<const char *, void (*)(benchmark::State &)> runs[] = {
+        {"rfft float/dsp", rfft_lib<float>},
+        {"rfft float/fftw", rfft_fftw_float},
+        {"rfft double/dsp", rfft_lib<double>},
+        {"rfft double/fftw", rfft_fftw_double},
+    };
+    for (const auto &[name, fn] : runs)
+        benchmark::RegisterBenchmark(name, fn)->RangeMultiplier(2)->Range(1 << min_log2,
+                                                                          1 << max_log2);
+    rfft_accuracy();
+}
+
+// ---------------------------------------------------------------------------
 // Summary table.
 
 // Keeps the CPU time per iteration of every run (the median when the runs
@@ -336,6 +449,7 @@ void print_table(const collecting_reporter &rep) {
 
 int main(int argc, char **argv) {
     register_cfft();  // measures the accuracy before denormals are flushed
+    register_rfft();
 #if defined(__SSE__)
     _mm_setcsr(_mm_getcsr() | 0x8040);  // flush denormals to zero (FTZ, DAZ)
 #endif

@@ -365,3 +365,36 @@ TYPED_TEST(Spectral, HilbertAndAnalyticOfCosines) {
     ASSERT_EQ(DSP(i_analytic)(&two), 0);
     expect_values<T>(*two, {2});
 }
+
+TYPED_TEST(Spectral, ChirpCacheReuseAndFailedAllocation) {
+    using T = TypeParam;
+    const auto v = random_values(24, 5);
+    const std::vector<T> a(v.begin(), v.end());
+    auto forward = [&]() {
+        Rec<T> x;
+        x.set(a, true);
+        EXPECT_EQ(DSP(i_dft)(&x, 0), 0);
+        return x.values();
+    };
+    const auto first = forward();
+    Rec<T> b;
+    b.set(a, true);
+    ASSERT_EQ(DSP(i_dft)(&b, 1), 0);  // same length, other direction
+    // Flipping the cached chirp and kernel back is exact.
+    EXPECT_EQ(forward(), first);
+
+    // A cache that cannot be built fails before the record is touched, and
+    // the next call builds it.
+    ASSERT_EQ(pick<T>(dspf_free_internal, dsp_free_internal)(), 0);
+    Rec<T> x, y({1, 2, 3, 4, 5});
+    x.set(a, true);
+    DSP(_lib_alloc)(+[](sig<T> *s) { s->data = nullptr; }, nullptr);
+    EXPECT_EQ(DSP(i_dft)(&x, 0), -1);
+    EXPECT_EQ(DSP(i_dct)(&y, 0), -1);
+    DSP(_lib_alloc)(nullptr, nullptr);
+    expect_values<T>(*x, a);
+    expect_values<T>(*y, {1, 2, 3, 4, 5});
+    ASSERT_EQ(DSP(i_dft)(&x, 0), 0);
+    EXPECT_EQ(x.values(), first);
+    ASSERT_EQ(DSP(i_dct)(&y, 0), 0);
+}
