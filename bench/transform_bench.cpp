@@ -227,8 +227,7 @@ void cfft_accuracy() {
         for (size_t i = 0; i < x.size(); ++i) x[i] = cld(v[2 * i], v[2 * i + 1]);
         {  // single precision: the reference sees the rounded inputs
             std::vector<cld> xf(x.size());
-            for (size_t i = 0; i < x.size(); ++i)
-                xf[i] = cld(float(v[2 * i]), float(v[2 * i + 1]));
+            for (size_t i = 0; i < x.size(); ++i) xf[i] = cld(float(v[2 * i]), float(v[2 * i + 1]));
             const auto ref = reference_dft(xf);
             lib_record<float> r(n);
             for (size_t i = 0; i < v.size(); ++i) r.s.data[i] = float(v[i]);
@@ -265,14 +264,10 @@ void register_cfft() {
     add_family("cfft float", {"dsp", "dsp-base", "fftw", "kiss"});
     add_family("cfft double", {"dsp", "dsp-base", "fftw", "kiss"});
     const std::pair<const char *, void (*)(benchmark::State &)> runs[] = {
-        {"cfft float/dsp", cfft_lib<float>},
-        {"cfft float/dsp-base", cfft_lib<float, 1>},
-        {"cfft float/fftw", cfft_fftw_float},
-        {"cfft float/kiss", cfft_kiss_float},
-        {"cfft double/dsp", cfft_lib<double>},
-        {"cfft double/dsp-base", cfft_lib<double, 1>},
-        {"cfft double/fftw", cfft_fftw_double},
-        {"cfft double/kiss", cfft_kiss_double},
+        {"cfft float/dsp", cfft_lib<float>},    {"cfft float/dsp-base", cfft_lib<float, 1>},
+        {"cfft float/fftw", cfft_fftw_float},   {"cfft float/kiss", cfft_kiss_float},
+        {"cfft double/dsp", cfft_lib<double>},  {"cfft double/dsp-base", cfft_lib<double, 1>},
+        {"cfft double/fftw", cfft_fftw_double}, {"cfft double/kiss", cfft_kiss_double},
     };
     for (const auto &[name, fn] : runs)
         benchmark::RegisterBenchmark(name, fn)->RangeMultiplier(2)->Range(1 << min_log2,
@@ -398,7 +393,7 @@ void register_rfft() {
 // are repeated), keyed by its name ("family/contender/n"). CPU time rather
 // than wall time keeps the comparison fair on a busy machine.
 class collecting_reporter : public benchmark::ConsoleReporter {
-   public:
+ public:
     std::map<std::string, double> ns;
     void ReportRuns(const std::vector<Run> &runs) override {
         for (const auto &r : runs) {

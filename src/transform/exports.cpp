@@ -1,4 +1,5 @@
-// C exports of the transforms.
+// C exports of the complex FFT and the bit reversal (the other transforms
+// are exported from spectral_exports.cpp).
 #include "dsp.h"
 #include "frame/record.hpp"
 #include "transform/fft.hpp"
@@ -38,11 +39,5 @@ int cf_dspfi_fft(float *data, int n, int cplx, int inverse) {
 int cf_dspi_fft(double *data, int n, int cplx, int inverse) {
     return raw_fft<double>(data, n, cplx, inverse);
 }
-
-// (end of complex FFT)
-
-// Real FFT, DFT, DCT, Hilbert transform and analytic signal.
-
-// (end of spectral transforms)
 
 }  // extern "C"

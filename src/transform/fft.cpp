@@ -136,8 +136,8 @@ uint32_t *build_fixed(int b) {
 void cis(uint64_t j, uint64_t n, long double &c, long double &s) {
     constexpr long double half_pi = 1.570796326794896619231321691639751442L;
     j %= n;
-    const uint64_t q = (4 * j) / n;        // quadrant
-    const uint64_t r = 4 * j - q * n;      // 4 j / n = q + r / n
+    const uint64_t q = (4 * j) / n;    // quadrant
+    const uint64_t r = 4 * j - q * n;  // 4 j / n = q + r / n
     long double c0, s0;
     if (2 * r <= n) {
         const long double a = half_pi * (static_cast<long double>(r) / n);
@@ -149,35 +149,85 @@ void cis(uint64_t j, uint64_t n, long double &c, long double &s) {
         s0 = std::cos(a);
     }
     switch (q) {
-        case 0: c = c0, s = s0; break;
-        case 1: c = -s0, s = c0; break;
-        case 2: c = -c0, s = -s0; break;
-        default: c = s0, s = -c0; break;
+        case 0:
+            c = c0, s = s0;
+            break;
+        case 1:
+            c = -s0, s = c0;
+            break;
+        case 2:
+            c = -c0, s = -s0;
+            break;
+        default:
+            c = s0, s = -c0;
+            break;
+    }
+}
+
+// cos and sin of 2 pi j / N from the eighth of a circle in oct (N a multiple
+// of 8; oct[2 i], oct[2 i + 1] are cos and sin of 2 pi i / N, i <= N / 8).
+void cis_from_octant(uint64_t j, uint64_t N, const long double *oct, long double &c,
+                     long double &s) {
+    j %= N;
+    const uint64_t quarter = N / 4, q = j / quarter, r = j - q * quarter;
+    long double c0, s0;
+    if (2 * r <= quarter) {
+        c0 = oct[2 * r], s0 = oct[2 * r + 1];
+    } else {
+        c0 = oct[2 * (quarter - r) + 1], s0 = oct[2 * (quarter - r)];
+    }
+    switch (q) {
+        case 0:
+            c = c0, s = s0;
+            break;
+        case 1:
+            c = -s0, s = c0;
+            break;
+        case 2:
+            c = -c0, s = -s0;
+            break;
+        default:
+            c = s0, s = -c0;
+            break;
     }
 }
 
 // Twiddle table for n = 2^b: the radix-4 stages, largest first; the stage of
 // blocks of 4m points holds w^k, w^2k, w^3k for k < m, w = e^(-2 pi i / 4m),
-// as six arrays of m scalars (re, im of each).
+// as six arrays of m scalars (re, im of each). Every factor is a point of the
+// circle of n points; those of the first eighth are evaluated once (in long
+// double, when the temporary table can be had) and the others follow by
+// symmetry.
 template <class T>
 T *build_twiddles(int b) {
     const size_t length = size_t(fft_kernel::twiddle_length(b));
     auto *t = static_cast<T *>(std::malloc((length ? length : 1) * sizeof(T)));
     if (!t) return nullptr;
+    const uint64_t n = uint64_t(1) << b;
+    long double *oct = nullptr;
+    if (n >= 8) {
+        oct = static_cast<long double *>(std::malloc(size_t(n / 8 + 1) * 2 * sizeof(long double)));
+        if (oct)
+            for (uint64_t i = 0; i <= n / 8; ++i) cis(i, n, oct[2 * i], oct[2 * i + 1]);
+    }
     T *p = t;
-    for (int64_t m = (int64_t(1) << b) / 4; m >= 1; m /= 4) {
-        const uint64_t span = uint64_t(4 * m);
+    for (int64_t m = int64_t(n) / 4; m >= 1; m /= 4) {
+        const uint64_t span = uint64_t(4 * m), step = n / span;
         for (int r = 1; r <= 3; ++r) {
             T *re = p + 2 * (r - 1) * m, *im = re + m;
             for (int64_t k = 0; k < m; ++k) {
                 long double c, s;
-                cis(uint64_t(r) * uint64_t(k), span, c, s);
+                if (oct)
+                    cis_from_octant(uint64_t(r) * uint64_t(k) * step, n, oct, c, s);
+                else
+                    cis(uint64_t(r) * uint64_t(k), span, c, s);
                 re[k] = T(c);
                 im[k] = T(-s);
             }
         }
         p += 6 * m;
     }
+    std::free(oct);
     return t;
 }
 
@@ -354,11 +404,11 @@ int release_twiddle_tables() {
     return 0;
 }
 
-#define DSP_INSTANTIATE(T)                           \
-    template int fft<T>(signal_t<T> &, int);         \
-    template int bitrev<T>(signal_t<T> &);           \
-    template int bitrev_scale<T>(signal_t<T> &);     \
-    template int release_bitrev_tables<T>();         \
+#define DSP_INSTANTIATE(T)                       \
+    template int fft<T>(signal_t<T> &, int);     \
+    template int bitrev<T>(signal_t<T> &);       \
+    template int bitrev_scale<T>(signal_t<T> &); \
+    template int release_bitrev_tables<T>();     \
     template int release_twiddle_tables<T>();
 DSP_INSTANTIATE(float)
 DSP_INSTANTIATE(double)

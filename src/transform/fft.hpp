@@ -13,17 +13,22 @@ namespace dsp {
 // with e^(+2 pi i k m / n). n must be a power of two (else -1, record
 // untouched); n = 1 only updates delta, larger records become complex.
 // delta becomes 1 / (delta * n), or L when delta is 0.
-template <class T> int fft(signal_t<T> &x, int inverse);
+template <class T>
+int fft(signal_t<T> &x, int inverse);
 
 // Bit-reversal permutation of the points (complex) or scalars (real) of a
 // record of 2^b points; bitrev_scale also multiplies every scalar by 1/n.
-template <class T> int bitrev(signal_t<T> &x);
-template <class T> int bitrev_scale(signal_t<T> &x);
+template <class T>
+int bitrev(signal_t<T> &x);
+template <class T>
+int bitrev_scale(signal_t<T> &x);
 
 // Release steps of dspf_free_internal: the bit-reversal index tables and the
 // twiddle tables of one precision. Harmless when nothing was built.
-template <class T> int release_bitrev_tables();
-template <class T> int release_twiddle_tables();
+template <class T>
+int release_bitrev_tables();
+template <class T>
+int release_twiddle_tables();
 
 // log2 n when n is a power of two (1, 2, 4, ...), else -1 (also for n <= 0).
 inline int log2_exact(int64_t n) {

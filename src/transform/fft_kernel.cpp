@@ -12,7 +12,11 @@
 #endif
 
 #define DSP_FFT_ISA base
+#if defined(__AVX__)  // a build for processors with AVX (e.g. DSP_NATIVE)
+#define DSP_FFT_WIDTH 32
+#else
 #define DSP_FFT_WIDTH 16
+#endif
 #include "transform/fft_simd.hpp"
 
 namespace dsp::fft_kernel {
@@ -57,7 +61,7 @@ void transform(T *d, int b, const T *tw, bool inverse) {
         if (level > 1 && have_avx2()) return avx2::transform(d, b, tw, inverse);
 #endif
 #if DSP_FFT_VECTORS
-        // Double-precision vectors exist on x86 and 64-bit ARM, not on 32-bit ARM.
+            // Double-precision vectors exist on x86 and 64-bit ARM, not on 32-bit ARM.
 #if defined(__SSE2__) || defined(__aarch64__)
         return base::simd_transform(d, b, tw, inverse);
 #else

@@ -10,8 +10,10 @@
 // Layout: the first pass reads interleaved points (re, im, re, im, ...) and
 // leaves groups of V consecutive points as V real parts followed by V
 // imaginary parts; the middle passes work on these groups without any
-// shuffling; the last passes of every small block (where a block quarter
-// holds fewer than V points) run in scalar code and leave interleaved points.
+// shuffling; the last levels of every small block (where a block quarter
+// holds fewer than V points) pair lanes within a group and leave the points
+// interleaved again. Transforms shorter than 4V points, and processors
+// without vectors, use the scalar passes.
 #pragma once
 
 #include <cstdint>
@@ -23,11 +25,11 @@ namespace dsp::fft_kernel::DSP_FFT_ISA {
 template <class T, int W>
 struct vtype;
 
-#define DSP_FFT_VECTOR(T, W, name)                               \
-    typedef T name __attribute__((vector_size(W)));             \
-    template <>                                                  \
-    struct vtype<T, W> {                                         \
-        using type = name;                                       \
+#define DSP_FFT_VECTOR(T, W, name)                  \
+    typedef T name __attribute__((vector_size(W))); \
+    template <>                                     \
+    struct vtype<T, W> {                            \
+        using type = name;                          \
     };
 DSP_FFT_VECTOR(float, 16, f4)
 DSP_FFT_VECTOR(double, 16, d2)
@@ -59,20 +61,33 @@ inline d4 lo(d4 r, d4 i) { return SHUF(r, i, 0, 4, 1, 5); }
 inline d4 hi(d4 r, d4 i) { return SHUF(r, i, 2, 6, 3, 7); }
 #endif
 // swap<h>(v): lane j and lane j ^ h change places.
-template <int h> inline f4 swap(f4 v) {
-    if constexpr (h == 1) return SHUF(v, v, 1, 0, 3, 2);
-    else return SHUF(v, v, 2, 3, 0, 1);
+template <int h>
+inline f4 swap(f4 v) {
+    if constexpr (h == 1)
+        return SHUF(v, v, 1, 0, 3, 2);
+    else
+        return SHUF(v, v, 2, 3, 0, 1);
 }
-template <int h> inline d2 swap(d2 v) { return SHUF(v, v, 1, 0); }
+template <int h>
+inline d2 swap(d2 v) {
+    return SHUF(v, v, 1, 0);
+}
 #if DSP_FFT_WIDTH >= 32
-template <int h> inline f8 swap(f8 v) {
-    if constexpr (h == 1) return SHUF(v, v, 1, 0, 3, 2, 5, 4, 7, 6);
-    else if constexpr (h == 2) return SHUF(v, v, 2, 3, 0, 1, 6, 7, 4, 5);
-    else return SHUF(v, v, 4, 5, 6, 7, 0, 1, 2, 3);
+template <int h>
+inline f8 swap(f8 v) {
+    if constexpr (h == 1)
+        return SHUF(v, v, 1, 0, 3, 2, 5, 4, 7, 6);
+    else if constexpr (h == 2)
+        return SHUF(v, v, 2, 3, 0, 1, 6, 7, 4, 5);
+    else
+        return SHUF(v, v, 4, 5, 6, 7, 0, 1, 2, 3);
 }
-template <int h> inline d4 swap(d4 v) {
-    if constexpr (h == 1) return SHUF(v, v, 1, 0, 3, 2);
-    else return SHUF(v, v, 2, 3, 0, 1);
+template <int h>
+inline d4 swap(d4 v) {
+    if constexpr (h == 1)
+        return SHUF(v, v, 1, 0, 3, 2);
+    else
+        return SHUF(v, v, 2, 3, 0, 1);
 }
 #endif
 #undef SHUF
@@ -134,7 +149,7 @@ inline void scalar_transform(T *d, int b, const T *tw) {
 // Blocks up to this many bytes are transformed stage after stage; larger
 // ones take one stage and recurse into their quarters (depth first), so that
 // the later stages run on data in cache.
-constexpr int64_t breadth_first_bytes = 32 * 1024;
+constexpr int64_t breadth_first_bytes = 16 * 1024;
 
 template <class T, bool Inverse>
 struct simd_kernel {

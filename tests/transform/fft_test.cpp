@@ -2,6 +2,7 @@
 #include <cmath>
 #include <complex>
 #include <cstdint>
+#include <cstdlib>
 #include <random>
 #include <vector>
 
@@ -41,7 +42,8 @@ std::vector<cld> reference(std::vector<cld> x, bool inverse) {
         for (size_t len = 2; len <= n; len <<= 1)
             for (size_t i = 0; i < n; i += len)
                 for (size_t k = 0; k < len / 2; ++k) {
-                    const cld w = std::polar(1.0L, sign * two_pi * (long double)k / (long double)len);
+                    const cld w =
+                        std::polar(1.0L, sign * two_pi * (long double)k / (long double)len);
                     const cld u = x[i + k], v = x[i + k + len / 2] * w;
                     x[i + k] = u + v, x[i + k + len / 2] = u - v;
                 }
@@ -65,7 +67,8 @@ template <class T>
 double rel_rms(const sig<T> &s, const std::vector<cld> &ref) {
     long double num = 0, den = 0;
     const auto got = points<T>(s);
-    for (size_t i = 0; i < ref.size(); ++i) num += std::norm(got[i] - ref[i]), den += std::norm(ref[i]);
+    for (size_t i = 0; i < ref.size(); ++i)
+        num += std::norm(got[i] - ref[i]), den += std::norm(ref[i]);
     return double(std::sqrt(num / den));
 }
 
@@ -97,8 +100,8 @@ TYPED_TEST_SUITE(Fft, Precisions);
 // a release.
 TYPED_TEST(Fft, MatchesLongDoubleReference) {
     using T = TypeParam;
-    const int order[] = {1, 65536, 4, 2, 1024, 8, 32768, 16, 32, 64, 16384, 128, 256,
-                         512, 2048, 4096, 8192, 4, 1024, 65536};
+    const int order[] = {1,     65536, 4,   2,   1024, 8,    32768, 16, 32,   64,
+                         16384, 128,   256, 512, 2048, 4096, 8192,  4,  1024, 65536};
     for (int round = 0; round < 2; ++round) {
         for (int n : order) {
             SCOPED_TRACE(n);
@@ -170,7 +173,8 @@ TYPED_TEST(Fft, EdgeCases) {
     {  // unit impulse; delta 0 gives L
         Rec<T> r({1, 0, 0, 0, 0, 0, 0, 0}, false, T(0));
         EXPECT_EQ(DSP(i_fft)(&r, 0), 0);
-        expect_values<T>(*r, {.125, 0, .125, 0, .125, 0, .125, 0, .125, 0, .125, 0, .125, 0, .125, 0});
+        expect_values<T>(*r,
+                         {.125, 0, .125, 0, .125, 0, .125, 0, .125, 0, .125, 0, .125, 0, .125, 0});
         EXPECT_EQ(r->delta, L);
     }
     {  // e^(+2 pi i m / 8): a single line at index 1
@@ -184,6 +188,23 @@ TYPED_TEST(Fft, EdgeCases) {
         want[2] = 1;
         expect_values<T>(*r, want, ulps<T>(4));
     }
+}
+
+// Widening that fails: -1, the record already complex (and unscaled).
+TYPED_TEST(Fft, FailedWidening) {
+    using T = TypeParam;
+    struct hook {
+        static void fail(sig<T> *x, int, int) {
+            std::free(x->data);
+            x->data = nullptr;
+        }
+    };
+    Rec<T> r({1, 2, 3, 4, 5, 6, 7, 8}, false, T(2));
+    ASSERT_EQ(DSP(_lib_realloc)(hook::fail, nullptr), 0);
+    EXPECT_EQ(DSP(i_fft)(&r, 0), -1);
+    DSP(_lib_realloc)(nullptr, nullptr);
+    EXPECT_EQ(r->cplx, 1);
+    EXPECT_EQ(r->delta, T(2));
 }
 
 TYPED_TEST(Fft, BitReversal) {
