@@ -532,6 +532,49 @@ DSP_API int dsp_window2_enbw(double *out, dsp_window kind, int n, double p);
  * Windowed spectrum
  * ------------------------------------------------------------------------ */
 
+/*
+ * The windowed, zero-padded spectrum in one call. A copy of `in` is windowed
+ * with `kind` and the window flags (bits 0-5 as for dspfi_window: the mode
+ * sets the calibration, unit mean for tone amplitudes and unit rms for noise
+ * power; flag 8 is refused), zero-padded to `length` points and transformed:
+ * a real input gives the half spectrum of length/2 + 1 points, a complex
+ * input the full spectrum of length points (zero frequency at index 0);
+ * `delta` becomes the bin spacing 1 / (delta * length). `length` 0 takes n
+ * rounded up to a power of two; otherwise it must be a power of two of at
+ * least n. The padding keeps the level of an unpadded transform: with a
+ * unit-mean window, a real tone of amplitude A peaks at A/2. A rotated
+ * window (the default) puts the record centre at time 0 and the padding in
+ * the middle. Flag bits 8-9 choose the form of the result: complex values,
+ * magnitudes or squared magnitudes (real records). `scratch` is a working
+ * record the caller keeps between calls so that repeated spectra allocate
+ * nothing (null: a temporary one is used; it may be the result record).
+ * -1 for an empty input, an invalid length or form, or a failing step.
+ */
+enum {
+    DSP_SPECTRUM_COMPLEX = 0x000,
+    DSP_SPECTRUM_MAGNITUDE = 0x100,
+    DSP_SPECTRUM_POWER = 0x200
+};
+DSP_API int dspfh_fft(const dspf_signal *in, dspf_signal *result, dspf_signal *scratch,
+                      dsp_window kind, int flags, int length);
+DSP_API int dsph_fft(const dsp_signal *in, dsp_signal *result, dsp_signal *scratch,
+                     dsp_window kind, int flags, int length);
+/* dspfh_fft of the n points (2n scalars when cplx) at `in` into a temporary
+ * result; copies the scalars of n input points (n, or 2n when cplx) of the
+ * result to `out`, at most as many as the result holds (the rest of `out` is
+ * left as it was), and returns the status. */
+DSP_API int cf_dspfh_fft(const float *in, float *out, int n, int cplx, dsp_window kind, int flags,
+                         int length);
+DSP_API int cf_dsph_fft(const double *in, double *out, int n, int cplx, dsp_window kind,
+                        int flags, int length);
+/* As cf_dspfh_fft, but the result record uses `out` (n or 2n scalars) as if
+ * it owned it: no copy. A result larger than `out` (a complex half spectrum
+ * needs n + 2 scalars) would be grown by the allocator as if `out` were the
+ * library's own storage: use it for complex input or with the magnitude or
+ * power form, with length 0 and n a power of two. */
+DSP_API int cf_dspfh_fft_fast_but_dirty(const float *in, float *out, int n, int cplx,
+                                        dsp_window kind, int flags, int length);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
@@ -612,11 +655,66 @@ DSP_API int dsps_magsq_sum(const dsp_signal *in, dsp_signal *out);
 DSP_API int dspfs_rms(const dspf_signal *in, dspf_signal *out);
 DSP_API int dsps_rms(const dsp_signal *in, dsp_signal *out);
 
+/* Median: mean of the two middle points for even n, after sorting a copy
+ * (complex records by magnitude); per part for complex records. */
+DSP_API int dspfs_median(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_median(const dsp_signal *in, dsp_signal *out);
+/* Largest / smallest sample (complex: by squared magnitude, returned whole);
+ * the first of equal extremes; a sample outside [-L, L] compares as L. */
+DSP_API int dspfs_max(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_max(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_min(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_min(const dsp_signal *in, dsp_signal *out);
+/* Geometric mean (principal n-th root of the product; 0 when the product,
+ * or its squared magnitude, is below the smallest normal number) and
+ * harmonic mean (0 when a sample is zero). */
+DSP_API int dspfs_gmean(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_gmean(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_hmean(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_hmean(const dsp_signal *in, dsp_signal *out);
+/* Population and sample (n - 1) variance and standard deviation, real
+ * results. The single family computes the variance of a real record from
+ * its guard constants rather than from the samples. */
+DSP_API int dspfs_pop_var(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_pop_var(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_samp_var(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_samp_var(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_pop_stddev(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_pop_stddev(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_samp_stddev(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_samp_stddev(const dsp_signal *in, dsp_signal *out);
+/* Skewness (0 for an empty record) and excess kurtosis (-3 for an empty
+ * record) of a real record; -1 for complex input; a zero variance gives L
+ * (skew: 0 when the third moment is 0 too). */
+DSP_API int dspfs_skew(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_skew(const dsp_signal *in, dsp_signal *out);
+DSP_API int dspfs_excess(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_excess(const dsp_signal *in, dsp_signal *out);
+/* Histogram into out (n = bins, real, delta = width): bin k counts values v
+ * (complex: magnitudes) with k <= (v - low) / width < k + 1; values up to
+ * bins * 1.0000012 widths past low still count in the last bin. */
+DSP_API int dspfs_hist(const dspf_signal *in, dspf_signal *out, float low, float width, int bins);
+DSP_API int dsps_hist(const dsp_signal *in, dsp_signal *out, double low, double width, int bins);
+
 /* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Peak search
  * ------------------------------------------------------------------------ */
+
+/*
+ * out (real, n = 2, delta not set; may be in) = {peak value, position as a
+ * fractional sample index}. The value of a complex sample is its squared
+ * magnitude. Flags: 0x1000 use `index` (clamped to 0 .. n-1) instead of
+ * searching; 0x2000 search the minimum; interpolation in bits 8-10: 0x000
+ * none, 0x100 parabola through three samples, 0x200 Gaussian through two
+ * samples, 0x300 the same with a correction term, 0x400 and above fail.
+ * The search starts from -L (+L for the minimum) and keeps the first of
+ * equal extremes. An empty record gives {0, 0}. A Gaussian offset outside
+ * -0.5 .. 1.5 is clamped, written, and reported with -1.
+ */
+DSP_API int dspfs_peak(const dspf_signal *in, dspf_signal *out, int flags, int index);
+DSP_API int dsps_peak(const dsp_signal *in, dsp_signal *out, int flags, int index);
 
 /* (end of section) */
 

@@ -166,10 +166,9 @@ int convolve(const signal_t<T> &a, const signal_t<T> &b, signal_t<T> &out) {
     out.delta = (a.delta + b.delta) * T(0.5);
     out.cplx = (ac || bc) ? 1 : 0;
     out.n = (an > 0 && bn > 0) ? int32_t(an + bn - 1) : 0;
-    if (alloc<T>(out) != 0) return -1;
+    if (alloc<T>(out) != 0 || zero<T>(out) != 0) return -1;
     T *z = out.data;
     const T *x = a.data, *y = b.data;
-    for (int64_t k = 0; k < scalar_count(out.n, out.cplx); ++k) z[k] = T(0);
     if (!ac && !bc) {
         for (int64_t i = 0; i < an; ++i) {
             const T xi = x[i];

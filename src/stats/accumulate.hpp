@@ -3,11 +3,38 @@
 // that is then added to the running total.
 #pragma once
 
+#include <bit>
 #include <cstdint>
+#include <limits>
+#include <type_traits>
 
 #include "stats/stats.hpp"
 
 namespace dsp::acc {
+
+// Unsigned integer of a scalar's width.
+template <class T>
+using bits_t = std::conditional_t<single<T>, uint32_t, uint64_t>;
+
+// All ones when v lies outside [-L, L] (infinities included, NaN not), else
+// zero. Worked out on the bit pattern: integer compares, unlike floating
+// compares that may trap, leave the block loops free to vectorise.
+template <class T>
+inline bits_t<T> beyond_large(T v) {
+    using U = bits_t<T>;
+    constexpr U magnitude = ~(U(1) << (8 * sizeof(U) - 1));
+    constexpr U large = std::bit_cast<U>(precision<T>::large);
+    constexpr U inf = std::bit_cast<U>(std::numeric_limits<T>::infinity());
+    const U a = std::bit_cast<U>(v) & magnitude;
+    return U(0) - (U(a > large) & U(a <= inf));
+}
+
+// yes where the mask is all ones, no where it is zero.
+template <class T>
+inline T select(bits_t<T> mask, T yes, T no) {
+    using U = bits_t<T>;
+    return std::bit_cast<T>((std::bit_cast<U>(no) & ~mask) | (std::bit_cast<U>(yes) & mask));
+}
 
 // Sums term(i) over i < count into totals[0 .. Parts-1]: with Parts = 2 the
 // terms alternate between two totals (real and imaginary parts of an

@@ -186,12 +186,77 @@ T *twiddles(int b) {
     return caches<T>::twiddles.get(b, build_twiddles<T>);
 }
 
+// Reversal of the low `bits` bits of i.
+inline uint32_t reverse_bits(uint32_t i, int bits) {
+    i = ((i >> 1) & 0x55555555u) | ((i & 0x55555555u) << 1);
+    i = ((i >> 2) & 0x33333333u) | ((i & 0x33333333u) << 2);
+    i = ((i >> 4) & 0x0f0f0f0fu) | ((i & 0x0f0f0f0fu) << 4);
+    i = ((i >> 8) & 0x00ff00ffu) | ((i & 0x00ff00ffu) << 8);
+    i = (i >> 16) | (i << 16);
+    return bits ? i >> (32 - bits) : 0;
+}
+
+// Cache-friendly bit reversal of 2^b complex points, scaled by s when Scale.
+// An index is split into (a, m, c): q high bits, b - 2q middle bits and q low
+// bits, where 2^q points fill a 64-byte cache line; its reversal is
+// (rev c, rev m, rev a). For every pair of middle values m <= rev m the two
+// blocks of 2^q x 2^q points are read line by line into buffers and written
+// back line by line, so that every line is read and written once. Needs no
+// index table; b >= 2q.
+template <class T, bool Scale>
+void bitrev_blocked(T *d, int b, T s) {
+    constexpr int q = sizeof(T) == 4 ? 3 : 2;
+    constexpr int Q = 1 << q;
+    const int r = b - 2 * q;
+    const int64_t stride = int64_t(1) << (b - q);  // points from one a to the next
+    uint32_t rq[Q];
+    for (int c = 0; c < Q; ++c) rq[c] = reverse_bits(uint32_t(c), q);
+    T A[2 * Q * Q], B[2 * Q * Q];
+    auto load = [&](T *buf, uint32_t m) {
+        for (int a = 0; a < Q; ++a) {
+            const T *src = d + 2 * (a * stride + int64_t(m) * Q);
+            T *dst = buf + 2 * Q * a;
+            for (int j = 0; j < 2 * Q; ++j) dst[j] = Scale ? src[j] * s : src[j];
+        }
+    };
+    // Points (a, m, c) from buf, which holds the block (., rev m, .) with
+    // buf[a'][c'] = point (a', rev m, c').
+    auto store = [&](const T *buf, uint32_t m) {
+        for (int a = 0; a < Q; ++a) {
+            T *dst = d + 2 * (a * stride + int64_t(m) * Q);
+            for (int c = 0; c < Q; ++c)  // one point: both scalars in one move
+                std::memcpy(dst + 2 * c, buf + 2 * (Q * rq[c] + rq[a]), 2 * sizeof(T));
+        }
+    };
+    const uint32_t M = uint32_t(1) << r;
+    for (uint32_t m = 0; m < M; ++m) {
+        const uint32_t mr = reverse_bits(m, r);
+        if (mr < m) continue;
+        load(A, m);
+        if (mr == m) {
+            store(A, m);
+        } else {
+            load(B, mr);
+            store(B, m);
+            store(A, mr);
+        }
+    }
+}
+
+// Complex records from this size on are permuted blockwise.
+template <class T>
+constexpr int blocked_min_log2 = sizeof(T) == 4 ? 6 : 4;
+
 }  // namespace
 
 template <class T>
 int bitrev(signal_t<T> &x) {
     const int b = log2_exact(x.n);
     if (b < 0) return -1;
+    if (x.cplx && b >= blocked_min_log2<T>) {
+        bitrev_blocked<T, false>(x.data, b, T(1));
+        return 0;
+    }
     const uint32_t *p = caches<T>::pairs.get(b, build_pairs);
     if (!p) return -1;
     T *d = x.data;
@@ -216,12 +281,16 @@ template <class T>
 int bitrev_scale(signal_t<T> &x) {
     const int b = log2_exact(x.n);
     if (b < 0) return -1;
+    // 1/n is a power of two: exact in either precision.
+    const T s = T(1.0 / double(x.n));
+    if (x.cplx && b >= blocked_min_log2<T>) {
+        bitrev_blocked<T, true>(x.data, b, s);
+        return 0;
+    }
     const uint32_t *p = caches<T>::pairs.get(b, build_pairs);
     if (!p) return -1;
     const uint32_t *f = caches<T>::fixed.get(b, build_fixed);
     if (!f) return -1;
-    // 1/n is a power of two: exact in either precision.
-    const T s = T(1.0 / double(x.n));
     T *d = x.data;
     if (x.cplx) {
         for (; *p; p += 2) {

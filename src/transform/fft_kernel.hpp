@@ -21,4 +21,9 @@ inline int64_t twiddle_length(int b) {
 template <class T>
 void transform(T *d, int b, const T *tw, bool inverse);
 
+// Limits the kernels used from now on (for tests): 0 scalar code only, 1 the
+// vectors the library was built for, 2 also AVX2 when the processor has it
+// (the default). Returns the level actually available up to max_level.
+int select_kernels(int max_level);
+
 }  // namespace dsp::fft_kernel

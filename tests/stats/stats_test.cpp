@@ -1,3 +1,4 @@
+#include <cstring>
 #include <random>
 
 #include "support/python.hpp"
@@ -68,6 +69,13 @@ TYPED_TEST(Stats, SquaresBeyondTheLargeValueAddIt) {
     expect_values<T>(*r, {T(std::sqrt(double(L / 2)))});
     ASSERT_EQ(DSP(s_magsq_sum)(&z, &r), 0);
     expect_values<T>(*r, {L + T(25)});
+    // Infinities are beyond L too; NaN passes through.
+    const T inf = std::numeric_limits<T>::infinity();
+    Rec<T> w({-inf, 1, L}), q({0, std::numeric_limits<T>::quiet_NaN()}, true);
+    ASSERT_EQ(DSP(s_magsq_sum)(&w, &r), 0);
+    expect_values<T>(*r, {L + T(1) + L * L});
+    ASSERT_EQ(DSP(s_rms)(&q, &r), 0);
+    EXPECT_TRUE(std::isnan(r->data[0]));
 }
 
 // Sums run over blocks of 2048 samples added to a running total: the result
@@ -93,20 +101,184 @@ TYPED_TEST(Stats, BlockAccumulation) {
     }
 }
 
-// The double family against numpy on random data, lengths across the block
-// size.
-TEST(StatsDouble, AgreesWithNumpy) {
-    for (size_t n : {1u, 2u, 7u, 2048u, 2049u, 5000u}) {
+TYPED_TEST(Stats, MedianMaxMinAndMeans) {
+    using T = TypeParam;
+    const T L = dsp::precision<T>::large;
+    Rec<T> x({3, 1, 2, 4}), r;
+    ASSERT_EQ(DSP(s_median)(&x, &r), 0);
+    expect_values<T>(*r, {2.5});
+    expect_values<T>(*x, {3, 1, 2, 4});  // the input is not sorted
+    ASSERT_EQ(DSP(s_median)(&x, &x), 0);
+    expect_values<T>(*x, {2.5});
+    // Complex points sort by magnitude: (0,1) (2,0) (3,4).
+    Rec<T> z({3, 4, 0, 1, 2, 0}, true);
+    ASSERT_EQ(DSP(s_median)(&z, &r), 0);
+    expect_values<T>(*r, {2, 0});
+    Rec<T> m({1, 3, 3, 2});
+    ASSERT_EQ(DSP(s_max)(&m, &r), 0);
+    expect_values<T>(*r, {3});
+    ASSERT_EQ(DSP(s_min)(&m, &r), 0);
+    expect_values<T>(*r, {1});
+    // The first of equal magnitudes is returned whole.
+    Rec<T> c({0, 1, 3, -4, -5, 0, 1, 1}, true);
+    ASSERT_EQ(DSP(s_max)(&c, &r), 0);
+    expect_values<T>(*r, {3, -4});
+    ASSERT_EQ(DSP(s_min)(&c, &c), 0);
+    expect_values<T>(*c, {0, 1});
+    // Beyond [-L, L] a sample compares as L, whatever its sign.
+    Rec<T> g({-2 * L, 5, 7}), gm({T(1), -2 * L});
+    ASSERT_EQ(DSP(s_max)(&g, &r), 0);
+    expect_values<T>(*r, {-2 * L});
+    ASSERT_EQ(DSP(s_min)(&g, &r), 0);
+    expect_values<T>(*r, {5});
+    Rec<T> e;
+    for (auto fn : {DSP(s_median), DSP(s_max), DSP(s_min), DSP(s_gmean), DSP(s_hmean)}) {
+        ASSERT_EQ(fn(&e, &r), 0);
+        expect_values<T>(*r, {0});
+    }
+    Rec<T> p({2, 8}), neg({-2, 8}), tiny({T(1e-20), T(1e-20)}), h({1, 2, 4}), hz({1, 0, 4});
+    ASSERT_EQ(DSP(s_gmean)(&p, &r), 0);
+    expect_values<T>(*r, {4}, 4 * ulps<T>());
+    ASSERT_EQ(DSP(s_gmean)(&neg, &r), 0);
+    expect_values<T>(*r, {0});
+    ASSERT_EQ(DSP(s_gmean)(&tiny, &r), 0);  // product 1e-40: below normal in float
+    expect_values<T>(*r, {std::is_same_v<T, float> ? T(0) : T(1e-20)}, 1e-33);
+    ASSERT_EQ(DSP(s_hmean)(&h, &r), 0);
+    expect_values<T>(*r, {T(3 / 1.75)}, 4 * ulps<T>());
+    ASSERT_EQ(DSP(s_hmean)(&hz, &r), 0);
+    expect_values<T>(*r, {0});
+    // Complex: the principal square root of the product -1 of (0,1)(0,1) is
+    // i; the reciprocals of (1,1) and (1,-1) sum to 1, so their harmonic
+    // mean is 2.
+    Rec<T> ii({0, 1, 0, 1}, true), hh({1, 1, 1, -1}, true);
+    ASSERT_EQ(DSP(s_gmean)(&ii, &r), 0);
+    expect_values<T>(*r, {0, 1}, 4 * ulps<T>());
+    ASSERT_EQ(DSP(s_hmean)(&hh, &r), 0);
+    expect_values<T>(*r, {2, 0}, 4 * ulps<T>());
+}
+
+TYPED_TEST(Stats, MomentsDegenerateAndFailing) {
+    using T = TypeParam;
+    const T L = dsp::precision<T>::large;
+    Rec<T> e, r({9});
+    ASSERT_EQ(DSP(s_excess)(&e, &r), 0);
+    expect_values<T>(*r, {-3});
+    for (auto fn :
+         {DSP(s_skew), DSP(s_pop_var), DSP(s_samp_var), DSP(s_pop_stddev), DSP(s_samp_stddev)}) {
+        ASSERT_EQ(fn(&e, &r), 0);
+        expect_values<T>(*r, {0});
+    }
+    Rec<T> z({1, 2, 3, 4}, true), keep({7});
+    EXPECT_EQ(DSP(s_skew)(&z, &keep), -1);
+    EXPECT_EQ(DSP(s_excess)(&z, &keep), -1);
+    expect_values<T>(*keep, {7});
+    // A constant record: no spread, so the excess is L.
+    Rec<T> c({5, 5, 5});
+    ASSERT_EQ(DSP(s_excess)(&c, &r), 0);
+    expect_values<T>(*r, {L});
+    // Complex variance: (S2re + S2im)/n - mean parts squared, in both
+    // families: points 0, 2+2i -> 2 (population), 4 (sample).
+    Rec<T> v({0, 0, 2, 2}, true);
+    ASSERT_EQ(DSP(s_pop_var)(&v, &r), 0);
+    expect_values<T>(*r, {2});
+    ASSERT_EQ(DSP(s_samp_var)(&v, &r), 0);
+    expect_values<T>(*r, {4});
+    ASSERT_EQ(DSP(s_samp_stddev)(&v, &v), 0);
+    expect_values<T>(*v, {2});
+}
+
+// The single family computes the variance of a real record, and its skew,
+// from the guard constants: the result depends only on the length.
+TEST(StatsSingle, VarianceAndSkewFromTheGuardConstants) {
+    const float L = 999999986991104.0f, L2 = 9.99999944e29f;
+    for (int n : {1, 2, 5, 100, 2049}) {
         SCOPED_TRACE(n);
-        auto v = random_values<double>(unsigned(n), n);
-        const auto want = python("print(repr(np.mean(x)), repr(np.sqrt(np.mean(x * x))))",
-                                 std::vector<double>(v.begin(), v.end()));
-        ASSERT_EQ(want.size(), 2u);
+        auto a = random_values<float>(1, size_t(n));
+        auto b = random_values<float>(2, size_t(n), 100, 200);
+        sig<float> x = wrap(a, 0, size_t(n)), y = wrap(b, 0, size_t(n));
+        Rec<float> rx, ry;
+        for (auto fn : {dspfs_pop_var, dspfs_samp_var, dspfs_skew}) {
+            ASSERT_EQ(fn(&x, &rx), 0);
+            ASSERT_EQ(fn(&y, &ry), 0);
+            EXPECT_EQ(std::memcmp(rx->data, ry->data, sizeof(float)), 0);
+        }
+        // The same formula over n copies of the constants, summed in blocks.
+        float s1 = 0, s2 = 0;
+        std::vector<float> l1(size_t(n), L), l2(size_t(n), L2);
+        sig<float> c1 = wrap(l1, 0, size_t(n)), c2 = wrap(l2, 0, size_t(n));
+        ASSERT_EQ(dspfs_sum(&c1, &rx), 0);
+        s1 = rx->data[0];
+        ASSERT_EQ(dspfs_sum(&c2, &rx), 0);
+        s2 = rx->data[0];
+        const float m1 = s1 / float(n), var = s2 / float(n) - m1 * m1;
+        ASSERT_EQ(dspfs_pop_var(&x, &rx), 0);
+        EXPECT_EQ(rx->data[0], var);
+        // The cube's constant overflows: L when the variance is 0, else NaN.
+        ASSERT_EQ(dspfs_skew(&x, &rx), 0);
+        if (var == 0.0f)
+            EXPECT_EQ(rx->data[0], L);
+        else
+            EXPECT_TRUE(std::isnan(rx->data[0]));
+    }
+    // The excess uses the true deviations: that of {1, 2, 3, 4} is -1.36.
+    Rec<float> k({1, 2, 3, 4}), r;
+    ASSERT_EQ(dspfs_excess(&k, &r), 0);
+    EXPECT_NEAR(r->data[0], -1.36f, 1e-6);
+    Rec<double> kd({1, 2, 3, 4}), rd;
+    ASSERT_EQ(dsps_pop_var(&kd, &rd), 0);
+    EXPECT_NEAR(rd->data[0], 1.25, 1e-15);
+}
+
+TYPED_TEST(Stats, HistogramBinsAndLastBinRule) {
+    using T = TypeParam;
+    const T L = dsp::precision<T>::large;
+    Rec<T> x({T(4.000001), T(4.1), T(-0.5), 0, T(0.5), T(3.99), 1, 2 * L}), h;
+    ASSERT_EQ(DSP(s_hist)(&x, &h, T(0), T(1), 4), 0);
+    EXPECT_EQ(h->delta, T(1));
+    expect_values<T>(*h, {2, 1, 0, 2});
+    // Width 0: a value equal to low counts in bin 0.
+    ASSERT_EQ(DSP(s_hist)(&x, &h, T(1), T(0), 3), 0);
+    expect_values<T>(*h, {1, 0, 0});
+    // Complex values count by magnitude; out may be the input.
+    Rec<T> z({3, 4, 0, 1, 0, T(-2.5)}, true);
+    ASSERT_EQ(DSP(s_hist)(&z, &z, T(0), T(2), 3), 0);
+    EXPECT_EQ(z->cplx, 0);
+    EXPECT_EQ(z->delta, T(2));
+    expect_values<T>(*z, {1, 1, 1});
+    // Guarded values count as L, which lands in a bin that reaches it.
+    ASSERT_EQ(DSP(s_hist)(&x, &h, L, T(1), 2), 0);
+    expect_values<T>(*h, {1, 0});
+    Rec<T> e;
+    ASSERT_EQ(DSP(s_hist)(&e, &h, T(0), T(1), 3), 0);
+    expect_values<T>(*h, {0, 0, 0});
+}
+
+// The double family against numpy/scipy on random data of lengths across
+// the block size (values near 1, so that the running product of the
+// geometric mean stays finite).
+TEST(StatsDouble, MomentsMedianAndHistogramAgreeWithScipy) {
+    for (size_t n : {2u, 7u, 2048u, 2049u, 5000u}) {
+        SCOPED_TRACE(n);
+        auto v = random_values<double>(unsigned(n) + 5, n, 0.6, 1.6);
+        const auto want = python(
+            "import scipy.stats as st\n"
+            "h = np.histogram(x, bins=6, range=(0.6, 1.8))[0]\n"
+            "print(*[repr(float(q)) for q in [np.var(x), np.var(x, ddof=1), "
+            "st.skew(x, bias=True), st.kurtosis(x, bias=True), np.median(x), "
+            "st.gmean(x), st.hmean(x), np.mean(x), np.sqrt(np.mean(x * x))]], *h)",
+            v);
+        ASSERT_EQ(want.size(), 15u);
         sig<double> x = wrap(v, 0, n);
         Rec<double> r;
-        ASSERT_EQ(dsps_mean(&x, &r), 0);
-        EXPECT_NEAR(r->data[0], want[0], 1e-14);
-        ASSERT_EQ(dsps_rms(&x, &r), 0);
-        EXPECT_NEAR(r->data[0], want[1], 1e-14);
+        auto fns = {dsps_pop_var, dsps_samp_var, dsps_skew, dsps_excess, dsps_median,
+                    dsps_gmean,   dsps_hmean,    dsps_mean, dsps_rms};
+        size_t k = 0;
+        for (auto fn : fns) {
+            ASSERT_EQ(fn(&x, &r), 0);
+            EXPECT_NEAR(r->data[0], want[k], 1e-12 * (1 + std::abs(want[k]))) << k;
+            ++k;
+        }
+        ASSERT_EQ(dsps_hist(&x, &r, 0.6, 0.2, 6), 0);
+        for (size_t b = 0; b < 6; ++b) EXPECT_EQ(r->data[b], want[9 + b]) << b;
     }
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "support/support.hpp"
+#include "transform/fft_kernel.hpp"
 
 using namespace dsp_test;
 
@@ -90,8 +91,10 @@ template <class T>
 class Fft : public ::testing::Test {};
 TYPED_TEST_SUITE(Fft, Precisions);
 
-// Every power of two up to 65536, forward and back, sizes interleaved so
-// that the tables of several sizes coexist, and rebuilt after a release.
+// Every power of two up to 65536, forward, inverse and back, with each
+// kernel the processor offers (scalar, the build's vectors, AVX2); sizes
+// interleaved so that the tables of several sizes coexist, and rebuilt after
+// a release.
 TYPED_TEST(Fft, MatchesLongDoubleReference) {
     using T = TypeParam;
     const int order[] = {1, 65536, 4, 2, 1024, 8, 32768, 16, 32, 64, 16384, 128, 256,
@@ -99,17 +102,26 @@ TYPED_TEST(Fft, MatchesLongDoubleReference) {
     for (int round = 0; round < 2; ++round) {
         for (int n : order) {
             SCOPED_TRACE(n);
-            Rec<T> r;
-            r.set(noise<T>(2 * size_t(n), unsigned(n)), true, T(0.25));
-            const auto x = points<T>(*r);
-            ASSERT_EQ(DSP(i_fft)(&r, 0), 0);
-            EXPECT_EQ(r->delta, T(1) / (T(0.25) * T(n)));
-            EXPECT_LE(rel_rms<T>(*r, reference(x, false)), bound<T>(n));
-            const auto spectrum = points<T>(*r);
-            ASSERT_EQ(DSP(i_fft)(&r, -7), 0);  // any nonzero flag: inverse
-            EXPECT_EQ(r->delta, T(0.25));
-            EXPECT_LE(rel_rms<T>(*r, reference(spectrum, true)), bound<T>(n));
-            EXPECT_LE(rel_rms<T>(*r, x), 2 * bound<T>(n));
+            const auto v = noise<T>(2 * size_t(n), unsigned(n + round));
+            std::vector<cld> x(static_cast<size_t>(n));
+            for (size_t i = 0; i < x.size(); ++i) x[i] = cld(v[2 * i], v[2 * i + 1]);
+            const auto forward = reference(x, false), inverse = reference(x, true);
+            for (int level = 2; level >= 0; --level) {
+                if (dsp::fft_kernel::select_kernels(level) != level) continue;
+                SCOPED_TRACE(level);
+                Rec<T> r;
+                r.set(v, true, T(0.25));
+                ASSERT_EQ(DSP(i_fft)(&r, 0), 0);
+                EXPECT_EQ(r->delta, T(1) / (T(0.25) * T(n)));
+                EXPECT_LE(rel_rms<T>(*r, forward), bound<T>(n));
+                ASSERT_EQ(DSP(i_fft)(&r, -7), 0);  // any nonzero flag: inverse
+                EXPECT_EQ(r->delta, T(0.25));
+                EXPECT_LE(rel_rms<T>(*r, x), 2 * bound<T>(n));
+                r.set(v, true);
+                ASSERT_EQ(DSP(i_fft)(&r, 1), 0);
+                EXPECT_LE(rel_rms<T>(*r, inverse), bound<T>(n));
+            }
+            dsp::fft_kernel::select_kernels(2);
         }
         EXPECT_EQ(DSP(_free_internal)(), 0);
     }
@@ -189,17 +201,35 @@ TYPED_TEST(Fft, BitReversal) {
     Rec<T> one({5});
     EXPECT_EQ(DSP(i_bitrev_scale)(&one), 0);
     expect_values<T>(*one, {5});
-    // 32 points: i and its 5-bit reversal change places.
-    std::vector<T> v(32);
-    for (int i = 0; i < 32; ++i) v[size_t(i)] = T(i);
-    Rec<T> big;
-    big.set(v);
+    // Longer records, real and complex: point i and point rev(i) change
+    // places (larger complex records take a blockwise path).
     EXPECT_EQ(DSP(_free_internal)(), 0);
-    EXPECT_EQ(DSP(i_bitrev)(&big), 0);
-    for (int i = 0; i < 32; ++i) {
-        int j = 0;
-        for (int k = 0; k < 5; ++k) j |= ((i >> k) & 1) << (4 - k);
-        EXPECT_EQ(big->data[i], T(j));
+    for (int b : {4, 5, 6, 7, 10, 11}) {
+        const int n = 1 << b;
+        for (bool cplx : {false, true}) {
+            SCOPED_TRACE(testing::Message() << n << (cplx ? " complex" : " real"));
+            std::vector<T> v;
+            for (int i = 0; i < n; ++i) {
+                v.push_back(T(i));
+                if (cplx) v.push_back(T(-i));
+            }
+            Rec<T> big;
+            big.set(v, cplx);
+            EXPECT_EQ(DSP(i_bitrev)(&big), 0);
+            std::vector<T> want(v.size());
+            for (int i = 0; i < n; ++i) {
+                int j = 0;
+                for (int k = 0; k < b; ++k) j |= ((i >> k) & 1) << (b - 1 - k);
+                if (cplx)
+                    want[2 * size_t(i)] = T(j), want[2 * size_t(i) + 1] = T(-j);
+                else
+                    want[size_t(i)] = T(j);
+            }
+            expect_values<T>(*big, want);
+            EXPECT_EQ(DSP(i_bitrev_scale)(&big), 0);
+            for (auto &x : v) x /= T(n);
+            expect_values<T>(*big, v);
+        }
     }
 }
 
