@@ -110,7 +110,7 @@ TYPED_TEST(Record, SizingGrowsOnlyAndCopiesCallerStorage) {
     EXPECT_EQ(std::vector<T>(caller, caller + 6), (std::vector<T>{7, 8, 3, 4, 5, 6}));
 }
 
-TYPED_TEST(Record, HooksAreCalledReturnedAndRestored) {
+TYPED_TEST(Record, HooksAndFailingAllocation) {
     using T = TypeParam;
     using H = hook_log<T>;
     H::reset();
@@ -149,29 +149,24 @@ TYPED_TEST(Record, HooksAreCalledReturnedAndRestored) {
     EXPECT_TRUE(H::allocs == 1 && H::frees == 1);
 
     // The other precision's hooks are separate.
+    DSP(_lib_alloc)(H::on_alloc, nullptr);
     if constexpr (std::is_same_v<T, float>) {
-        DSP(_lib_alloc)(H::on_alloc, nullptr);
         Rec<double> d({1, 2, 3});
         EXPECT_EQ(H::allocs, 1);
     }
-}
 
-TYPED_TEST(Record, FailingAllocationLeavesNothingOwned) {
-    using T = TypeParam;
-    using H = hook_log<T>;
-    H::reset();
-    DSP(_lib_alloc)(H::on_alloc, nullptr);
+    // A failing allocation leaves nothing owned.
     DSP(_lib_realloc)(H::on_realloc, nullptr);
-    Rec<T> x({1, 2}), y({1, 2, 3}), a({1}), b({2, 3});
+    Rec<T> f({1, 2}), y({1, 2, 3}), a({1}), b({2, 3});
     H::fail = true;
-    x->n = 10;
-    EXPECT_EQ(DSP(_alloc)(&x), -1);
+    f->n = 10;
+    EXPECT_EQ(DSP(_alloc)(&f), -1);
     y->n = 4, y->cplx = 1;
     EXPECT_EQ(DSP(_realloc)(&y, 3, 0), -1);
     // Append reports the failed growth with the new count already set.
     EXPECT_EQ(DSP(_append)(&a, &b), -1);
     EXPECT_EQ(a->n, 3);
-    for (auto *r : {&x, &y, &a}) EXPECT_TRUE(r->alloc == 0 && r->data == nullptr);
+    for (auto *r : {&f, &y, &a}) EXPECT_TRUE(r->alloc == 0 && r->data == nullptr);
 }
 
 TYPED_TEST(Record, Append) {
@@ -179,14 +174,12 @@ TYPED_TEST(Record, Append) {
     using V = std::vector<T>;
     // Real + real (a keeps its own delta), complex to real (a becomes complex
     // first), real to complex (imaginary parts 0), empty source.
-    struct Case {
-        bool ac, bc;
-        V a, b, want;
-    };
-    for (const Case &c : {Case{false, false, {1, 2}, {3}, {1, 2, 3}},
+    // clang-format off
+    struct Case { bool ac, bc; V a, b, want; };
+    for (const Case &c : {Case{false, false, {1, 2}, {3}, {1, 2, 3}}, Case{false, false, {1}, {}, {1}},
                           Case{false, true, {1, 2}, {3, 4}, {1, 0, 2, 0, 3, 4}},
-                          Case{true, false, {1, 2}, {5, 6}, {1, 2, 5, 0, 6, 0}},
-                          Case{false, false, {1}, {}, {1}}}) {
+                          Case{true, false, {1, 2}, {5, 6}, {1, 2, 5, 0, 6, 0}}}) {
+        // clang-format on
         Rec<T> a, b;
         a.set(c.a, c.ac, T(0.5));
         b.set(c.b, c.bc, T(4));
