@@ -9,7 +9,7 @@
 #include "frame/record.hpp"
 #include "frame/utility.hpp"
 #include "transform/fft.hpp"
-#include "transform/spectral.hpp"
+#include "transform/fourier.hpp"
 #include "window/catalogue.hpp"
 #include "window/window.hpp"
 

@@ -38,7 +38,7 @@
 // final chirp. The inverse direction uses conj c, whose kernel spectrum is
 // the reversed conjugate, K'[k] = conj K[(M - k) mod M]: a change of
 // direction alone conjugates the chirp and reverses the kernel in place.
-#include "transform/spectral.hpp"
+#include "transform/fourier.hpp"
 
 #include <cmath>
 #include <cstdint>
