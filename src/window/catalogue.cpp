@@ -100,7 +100,7 @@ struct name_table {
 // unit rms. The single family stores its own float constants; the double
 // family derives the unit-mean and unit-rms sets of the kinds with exact
 // design values (Hann, Hamming, Blackman, Blackman-Harris, Gausstop) from
-// them, and keeps the published values of the flat-top kinds, whose
+// them, and keeps the nine-digit values of the flat-top kinds, whose
 // unit-mean a0 lies slightly below 1 on purpose.
 struct float_sets {
     static constexpr float uniform[3][1] = {{1.0f}, {1.0f}, {1.0f}};
