@@ -1,5 +1,5 @@
 // The windowed spectrum.
-#include "window/spectrum.hpp"
+#include "window/windowed_fft.hpp"
 
 #include <algorithm>
 #include <cstring>
