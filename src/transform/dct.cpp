@@ -26,7 +26,7 @@
 #include <cstdlib>
 
 #include "frame/record.hpp"
-#include "transform/spectral.hpp"
+#include "transform/fourier.hpp"
 
 namespace dsp {
 

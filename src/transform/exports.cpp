@@ -1,5 +1,5 @@
 // C exports of the complex FFT and the bit reversal (the other transforms
-// are exported from spectral_exports.cpp).
+// are exported from fourier_exports.cpp).
 #include "dsp.h"
 #include "frame/record.hpp"
 #include "transform/fft.hpp"

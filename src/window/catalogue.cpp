@@ -98,10 +98,10 @@ struct name_table {
 
 // Coefficient sets per kind 0, 2..13, in the order unit peak, unit mean,
 // unit rms. The single family stores its own float constants; the double
-// family derives the unit-mean and unit-rms sets of the kinds with exact
-// design values (Hann, Hamming, Blackman, Blackman-Harris, Gausstop) from
-// them, and keeps the published values of the flat-top kinds, whose
-// unit-mean a0 lies slightly below 1 on purpose.
+// family derives the unit-mean and unit-rms sets of the kinds with published
+// design values (Hamming, Blackman, Blackman-Harris, Gausstop) from them, and
+// keeps the nine-digit values of Hann's unit-rms set and of the flat-top
+// kinds, whose unit-mean a0 lies slightly below 1 on purpose.
 struct float_sets {
     static constexpr float uniform[3][1] = {{1.0f}, {1.0f}, {1.0f}};
     static constexpr float hann[3][2] = {{0.5f, 0.5f}, {1.0f, 1.0f}, {0.816496611f, 0.816496611f}};
@@ -151,9 +151,8 @@ struct float_sets {
 
 struct double_sets {
     static constexpr double uniform[3][1] = {{1.0}, {1.0}, {1.0}};
+    static constexpr double hann[3][2] = {{0.5, 0.5}, {1.0, 1.0}, {0.816496611, 0.816496611}};
     // Unit rms: a / sqrt(a0^2 + sum of a_j^2 / 2) of the unit-peak design values.
-    static constexpr double hann[3][2] = {
-        {0.5, 0.5}, {1.0, 1.0}, {0.81649658092772603, 0.81649658092772603}};
     static constexpr double hamming[3][2] = {
         {0.54, 0.46}, {1.0, 0.85185185185185186}, {0.85660346821703293, 0.72969925070339847}};
     static constexpr double blackman[3][3] = {

@@ -2,7 +2,7 @@
 #include "dsp.h"
 #include "window/catalogue.hpp"
 #include "window/metrics.hpp"
-#include "window/spectrum.hpp"
+#include "window/windowed_fft.hpp"
 #include "window/window.hpp"
 
 using namespace dsp;

@@ -63,7 +63,7 @@ struct Rec {
     sig<T> &operator*() { return s; }
     sig<T> *operator->() { return &s; }
 
-   private:
+ private:
     void init_() { pick<T>(dspf_init, dsp_init)(&s); }
 };
 
@@ -78,6 +78,23 @@ void expect_values(const sig<T> &s, const std::vector<T> &want, double tol = 0.0
         else
             EXPECT_NEAR(double(s.data[i]), double(want[i]), tol) << "scalar " << i;
     }
+}
+
+// A record wrapping the caller's array of n points (alloc 0: not owned, so
+// sizing never writes it). Destroy it, or hand it to a Rec: *r = wrap(...).
+template <class T>
+sig<T> wrap(T *data, int n, bool cplx = false) {
+    return sig<T>{T(1), data, 0, int32_t(n), cplx ? 1 : 0, 0};
+}
+
+// The scalars of a record of v (complex if cplx, spacing delta) after the
+// operation f, whose status must be rc.
+template <class T, class F>
+std::vector<T> applied(const std::vector<T> &v, bool cplx, F f, T delta = T(1), int rc = 0) {
+    Rec<T> r;
+    r.set(v, cplx, delta);
+    EXPECT_EQ(f(r.get()), rc);
+    return r.values();
 }
 
 // Relative tolerance suited to the precision: a few units in the last place.

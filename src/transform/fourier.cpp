@@ -38,17 +38,27 @@
 // final chirp. The inverse direction uses conj c, whose kernel spectrum is
 // the reversed conjugate, K'[k] = conj K[(M - k) mod M]: a change of
 // direction alone conjugates the chirp and reverses the kernel in place.
-#include "transform/spectral.hpp"
+#include "transform/fourier.hpp"
 
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+
+#if defined(__SSE2__) && !defined(DSP_NO_SIMD)
+#include <emmintrin.h>
+#endif
 
 #include "elementwise/convert.hpp"
 #include "elementwise/differences.hpp"
 #include "elementwise/rearrange.hpp"
 #include "frame/record.hpp"
 #include "transform/fft.hpp"
+
+#if defined(__GNUC__) || defined(__clang__)
+#define DSP_RESTRICT __restrict__
+#else
+#define DSP_RESTRICT
+#endif
 
 namespace dsp {
 
@@ -94,8 +104,100 @@ const T *split_table(int b) {
     return t;
 }
 
-// Post-processing of the half-length complex FFT into the half spectrum
-// (see the top of this file). d holds h = n/2 points Z and room for one more.
+// The pairs (k, h - k), 1 <= k < h/2, of the split (see the top of this
+// file), with A = point k, B = conj point h - k, P = A + B, D = A - B:
+//   forward  Q = -i W^k D,       X[k] = (P + Q) / 4,  X[h-k] = conj(P - Q) / 4
+//   inverse  Q = i conj(W^k) D,  Z[k] = P + Q,        Z[h-k] = conj(P - Q)
+// with W^k = c - i s from the table w. Point k is read and written through
+// lo, its partner through hi; the two ranges never meet.
+template <bool Inverse, class T>
+inline void split_pair(T *DSP_RESTRICT lo, T *DSP_RESTRICT hi, const T *DSP_RESTRICT w,
+                       int64_t k) {
+    const T ar = lo[2 * k], ai = lo[2 * k + 1];
+    const T br = hi[-2 * k], bi = -hi[-2 * k + 1];
+    const T pr = ar + br, pim = ai + bi;
+    const T dr = ar - br, di = ai - bi;
+    const T c = w[2 * k], s = w[2 * k + 1];
+    T qr, qi;
+    if constexpr (Inverse) {
+        qr = -(c * di + s * dr);
+        qi = c * dr - s * di;
+    } else {
+        qr = c * di - s * dr;
+        qi = -(c * dr + s * di);
+    }
+    const T f = Inverse ? T(1) : T(0.25);
+    lo[2 * k] = f * (pr + qr);
+    lo[2 * k + 1] = f * (pim + qi);
+    hi[-2 * k] = f * (pr - qr);
+    hi[-2 * k + 1] = -f * (pim - qi);
+}
+
+#if defined(__SSE2__) && !defined(DSP_NO_SIMD)
+// The same pairs on SSE2 vectors: two pairs per step in single precision,
+// one in double precision. Returns the first k left to the scalar loop.
+template <bool Inverse>
+int64_t split_vector(float *d, int64_t h, const float *w) {
+    const __m128 odd = _mm_castsi128_ps(_mm_set_epi32(INT32_MIN, 0, INT32_MIN, 0));
+    const __m128 even = _mm_castsi128_ps(_mm_set_epi32(0, INT32_MIN, 0, INT32_MIN));
+    const __m128 f = _mm_set1_ps(Inverse ? 1.0f : 0.25f);
+    float *hi = d + 2 * h;
+    int64_t k = 1;
+    for (; k + 1 < h / 2; k += 2) {
+        const __m128 a = _mm_loadu_ps(d + 2 * k);
+        __m128 b = _mm_loadu_ps(hi - 2 * k - 2);  // points h-k-1, h-k
+        b = _mm_xor_ps(_mm_shuffle_ps(b, b, _MM_SHUFFLE(1, 0, 3, 2)), odd);
+        const __m128 p = _mm_add_ps(a, b), dd = _mm_sub_ps(a, b);
+        const __m128 wv = _mm_loadu_ps(w + 2 * k);
+        const __m128 c = _mm_shuffle_ps(wv, wv, _MM_SHUFFLE(2, 2, 0, 0));
+        const __m128 s = _mm_shuffle_ps(wv, wv, _MM_SHUFFLE(3, 3, 1, 1));
+        const __m128 ds = _mm_shuffle_ps(dd, dd, _MM_SHUFFLE(2, 3, 0, 1));
+        const __m128 sign = Inverse ? even : odd;
+        const __m128 wd = _mm_add_ps(_mm_mul_ps(c, dd), _mm_mul_ps(s, _mm_xor_ps(ds, sign)));
+        const __m128 q = _mm_xor_ps(_mm_shuffle_ps(wd, wd, _MM_SHUFFLE(2, 3, 0, 1)), sign);
+        const __m128 x = _mm_mul_ps(f, _mm_add_ps(p, q));
+        __m128 y = _mm_mul_ps(f, _mm_xor_ps(_mm_sub_ps(p, q), odd));
+        y = _mm_shuffle_ps(y, y, _MM_SHUFFLE(1, 0, 3, 2));
+        _mm_storeu_ps(d + 2 * k, x);
+        _mm_storeu_ps(hi - 2 * k - 2, y);
+    }
+    return k;
+}
+
+template <bool Inverse>
+int64_t split_vector(double *d, int64_t h, const double *w) {
+    const __m128d odd = _mm_castsi128_pd(_mm_set_epi64x(INT64_MIN, 0));
+    const __m128d even = _mm_castsi128_pd(_mm_set_epi64x(0, INT64_MIN));
+    const __m128d f = _mm_set1_pd(Inverse ? 1.0 : 0.25);
+    double *hi = d + 2 * h;
+    int64_t k = 1;
+    for (; k < h / 2; ++k) {
+        const __m128d a = _mm_loadu_pd(d + 2 * k);
+        const __m128d b = _mm_xor_pd(_mm_loadu_pd(hi - 2 * k), odd);
+        const __m128d p = _mm_add_pd(a, b), dd = _mm_sub_pd(a, b);
+        const __m128d c = _mm_set1_pd(w[2 * k]), s = _mm_set1_pd(w[2 * k + 1]);
+        const __m128d ds = _mm_shuffle_pd(dd, dd, 1);
+        const __m128d sign = Inverse ? even : odd;
+        const __m128d wd = _mm_add_pd(_mm_mul_pd(c, dd), _mm_mul_pd(s, _mm_xor_pd(ds, sign)));
+        const __m128d q = _mm_xor_pd(_mm_shuffle_pd(wd, wd, 1), sign);
+        _mm_storeu_pd(d + 2 * k, _mm_mul_pd(f, _mm_add_pd(p, q)));
+        _mm_storeu_pd(hi - 2 * k, _mm_mul_pd(f, _mm_xor_pd(_mm_sub_pd(p, q), odd)));
+    }
+    return k;
+}
+#endif
+
+template <bool Inverse, class T>
+void split_pairs(T *d, int64_t h, const T *w) {
+    int64_t k = 1;
+#if defined(__SSE2__) && !defined(DSP_NO_SIMD)
+    k = split_vector<Inverse>(d, h, w);
+#endif
+    for (; k < h / 2; ++k) split_pair<Inverse>(d, d + 2 * h, w, k);
+}
+
+// Post-processing of the half-length complex FFT into the half spectrum.
+// d holds h = n/2 points Z and room for one more.
 template <class T>
 void split_forward(T *d, int64_t h, const T *w) {
     const T z0r = d[0], z0i = d[1];
@@ -103,20 +205,7 @@ void split_forward(T *d, int64_t h, const T *w) {
     d[1] = T(0);
     d[2 * h] = (z0r - z0i) * T(0.5);
     d[2 * h + 1] = T(0);
-    for (int64_t k = 1, j = h - 1; k < j; ++k, --j) {
-        const T ar = d[2 * k], ai = d[2 * k + 1];
-        const T br = d[2 * j], bi = -d[2 * j + 1];
-        const T pr = ar + br, pim = ai + bi;
-        const T dr = ar - br, di = ai - bi;
-        const T c = w[2 * k], s = w[2 * k + 1];
-        // W^k (A - B) with W^k = c - i s, then times -i.
-        const T wr = c * dr + s * di, wi = c * di - s * dr;
-        const T qr = wi, qi = -wr;
-        d[2 * k] = T(0.25) * (pr + qr);
-        d[2 * k + 1] = T(0.25) * (pim + qi);
-        d[2 * j] = T(0.25) * (pr - qr);
-        d[2 * j + 1] = T(-0.25) * (pim - qi);
-    }
+    split_pairs<false>(d, h, w);
     d[h] *= T(0.5);  // point h/2: conj Z / 2
     d[h + 1] *= T(-0.5);
 }
@@ -128,20 +217,7 @@ void split_inverse(T *d, int64_t h, const T *w) {
     const T x0 = d[0], xh = d[2 * h];
     d[0] = x0 + xh;
     d[1] = x0 - xh;
-    for (int64_t k = 1, j = h - 1; k < j; ++k, --j) {
-        const T ar = d[2 * k], ai = d[2 * k + 1];
-        const T br = d[2 * j], bi = -d[2 * j + 1];
-        const T pr = ar + br, pim = ai + bi;
-        const T dr = ar - br, di = ai - bi;
-        const T c = w[2 * k], s = w[2 * k + 1];
-        // conj(W^k) (A - B) with conj W^k = c + i s, then times i.
-        const T wr = c * dr - s * di, wi = c * di + s * dr;
-        const T qr = -wi, qi = wr;
-        d[2 * k] = pr + qr;
-        d[2 * k + 1] = pim + qi;
-        d[2 * j] = pr - qr;
-        d[2 * j + 1] = -(pim - qi);
-    }
+    split_pairs<true>(d, h, w);
     d[h] *= T(2);  // point h/2: 2 conj X
     d[h + 1] *= T(-2);
 }

@@ -1,5 +1,5 @@
 // The windowed spectrum.
-#include "window/spectrum.hpp"
+#include "window/windowed_fft.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -9,7 +9,7 @@
 #include "frame/record.hpp"
 #include "frame/utility.hpp"
 #include "transform/fft.hpp"
-#include "transform/spectral.hpp"
+#include "transform/fourier.hpp"
 #include "window/catalogue.hpp"
 #include "window/window.hpp"
 

@@ -1,6 +1,6 @@
 // C exports of the real FFT, DFT, DCT, Hilbert transform and analytic signal.
 #include "dsp.h"
-#include "transform/spectral.hpp"
+#include "transform/fourier.hpp"
 
 using namespace dsp;
 
