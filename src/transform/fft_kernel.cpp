@@ -58,7 +58,10 @@ void transform(T *d, int b, const T *tw, bool inverse) {
     constexpr int vector_min_log2 = 6;  // 64 points: every first quarter fills vectors
     if (b >= vector_min_log2 && level > 0) {
 #if DSP_FFT_AVX2 && DSP_FFT_VECTORS
-        if (level > 1 && have_avx2()) return avx2::transform(d, b, tw, inverse);
+        // Below 256 points the 16-byte kernel is the faster one for floats.
+        constexpr int avx2_min_log2 = sizeof(T) == 4 ? 8 : vector_min_log2;
+        if (level > 1 && b >= avx2_min_log2 && have_avx2())
+            return avx2::transform(d, b, tw, inverse);
 #endif
 #if DSP_FFT_VECTORS
             // Double-precision vectors exist on x86 and 64-bit ARM, not on 32-bit ARM.
