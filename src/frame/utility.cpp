@@ -90,8 +90,10 @@ int tof(const signal_t<T> &src, dspf_signal &dst) {
     return 0;
 }
 
-template <class T>
-int mag(const signal_t<T> &src, signal_t<T> &dst) {
+// A real record of one value per source point (magnitude or squared
+// magnitude), sized like a binary result of the source with itself.
+template <class T, class Cplx, class Real>
+int real_per_point(const signal_t<T> &src, signal_t<T> &dst, Cplx of_point, Real of_value) {
     const int32_t cplx = src.cplx;
     const source<T> from(src);
     if (size_real_result<T>(src, dst) != 0) return -1;
@@ -99,27 +101,22 @@ int mag(const signal_t<T> &src, signal_t<T> &dst) {
     T *y = dst.data;
     const int64_t n = dst.n;
     if (cplx) {
-        for (int64_t i = 0; i < n; ++i) y[i] = rt::hypot(x[2 * i], x[2 * i + 1]);
+        for (int64_t i = 0; i < n; ++i) y[i] = of_point(x[2 * i], x[2 * i + 1]);
     } else {
-        for (int64_t i = 0; i < n; ++i) y[i] = std::fabs(x[i]);
+        for (int64_t i = 0; i < n; ++i) y[i] = of_value(x[i]);
     }
     return 0;
 }
 
 template <class T>
+int mag(const signal_t<T> &src, signal_t<T> &dst) {
+    return real_per_point<T>(
+        src, dst, [](T re, T im) { return rt::hypot(re, im); }, [](T v) { return std::fabs(v); });
+}
+
+template <class T>
 int magsq(const signal_t<T> &src, signal_t<T> &dst) {
-    const int32_t cplx = src.cplx;
-    const source<T> from(src);
-    if (size_real_result<T>(src, dst) != 0) return -1;
-    const T *x = from.after(src, dst);
-    T *y = dst.data;
-    const int64_t n = dst.n;
-    if (cplx) {
-        for (int64_t i = 0; i < n; ++i) y[i] = clamped_magsq(x[2 * i], x[2 * i + 1]);
-    } else {
-        for (int64_t i = 0; i < n; ++i) y[i] = clamped_square(x[i]);
-    }
-    return 0;
+    return real_per_point<T>(src, dst, clamped_magsq<T>, clamped_square<T>);
 }
 
 template <class T>

@@ -130,6 +130,17 @@ uint32_t *build_fixed(int b) {
     return t;
 }
 
+// (c, s) of the angle a + q pi/2, from (c0, s0) = (cos a, sin a).
+inline void to_quadrant(uint64_t q, long double c0, long double s0, long double &c,
+                        long double &s) {
+    switch (q) {
+        case 0: c = c0, s = s0; break;
+        case 1: c = -s0, s = c0; break;
+        case 2: c = -c0, s = -s0; break;
+        default: c = s0, s = -c0; break;
+    }
+}
+
 // cos and sin of 2 pi j / n (n a power of two), evaluated in long double on
 // an angle reduced to the first half quadrant, so that every value is the
 // correctly reduced one and the symmetric points come out exact.
@@ -148,20 +159,7 @@ void cis(uint64_t j, uint64_t n, long double &c, long double &s) {
         c0 = std::sin(a);
         s0 = std::cos(a);
     }
-    switch (q) {
-        case 0:
-            c = c0, s = s0;
-            break;
-        case 1:
-            c = -s0, s = c0;
-            break;
-        case 2:
-            c = -c0, s = -s0;
-            break;
-        default:
-            c = s0, s = -c0;
-            break;
-    }
+    to_quadrant(q, c0, s0, c, s);
 }
 
 // cos and sin of 2 pi j / N from the eighth of a circle in oct (N a multiple
@@ -176,20 +174,7 @@ void cis_from_octant(uint64_t j, uint64_t N, const long double *oct, long double
     } else {
         c0 = oct[2 * (quarter - r) + 1], s0 = oct[2 * (quarter - r)];
     }
-    switch (q) {
-        case 0:
-            c = c0, s = s0;
-            break;
-        case 1:
-            c = -s0, s = c0;
-            break;
-        case 2:
-            c = -c0, s = -s0;
-            break;
-        default:
-            c = s0, s = -c0;
-            break;
-    }
+    to_quadrant(q, c0, s0, c, s);
 }
 
 // Twiddle table for n = 2^b: the radix-4 stages, largest first; the stage of
