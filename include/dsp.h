@@ -290,8 +290,6 @@ DSP_API int dspi_limit(dsp_signal *x, double a, double b, int *clipped);
 DSP_API int dspfi_addcos(dspf_signal *x, int flags, float freq, float amp, float phase);
 DSP_API int dspi_addcos(dsp_signal *x, int flags, double freq, double amp, double phase);
 
-/* (end of section) */
-
 /* ------------------------------------------------------------------------
  * Sequence rearrangement (in place)
  * ------------------------------------------------------------------------ */
@@ -333,8 +331,6 @@ DSP_API int dspi_zinter(dsp_signal *x);
 DSP_API int dspfi_sort(dspf_signal *x);
 DSP_API int dspi_sort(dsp_signal *x);
 
-/* (end of section) */
-
 /* ------------------------------------------------------------------------
  * Differences, integration and phase unwrapping (in place)
  * ------------------------------------------------------------------------ */
@@ -367,8 +363,6 @@ DSP_API int dspi_recon(dsp_signal *x);
  * or 2n - 1 points (odd nonzero). */
 DSP_API int dspfi_orecon(dspf_signal *x, int odd);
 DSP_API int dspi_orecon(dsp_signal *x, int odd);
-
-/* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Complex FFT, bit reversal and raw-array entry points
@@ -405,8 +399,6 @@ DSP_API int dspi_bitrev_scale(dsp_signal *x);
  */
 DSP_API int cf_dspfi_fft(float *data, int n, int cplx, int inverse);
 DSP_API int cf_dspi_fft(double *data, int n, int cplx, int inverse);
-
-/* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Real FFT, DFT, DCT, Hilbert transform and analytic signal
@@ -446,8 +438,6 @@ DSP_API int dspi_hilbert(dsp_signal *x);
 DSP_API int dspfi_analytic(dspf_signal *x);
 DSP_API int dspi_analytic(dsp_signal *x);
 
-/* (end of section) */
-
 /* ------------------------------------------------------------------------
  * Window names
  * ------------------------------------------------------------------------ */
@@ -461,8 +451,6 @@ DSP_API int dsp_window_from_str(const char *name, dsp_window *value);
  * (when buf is not null and len > 0) and returns -1. */
 DSP_API int dspf_window_to_str(dsp_window code, char *buf, int len);
 DSP_API int dsp_window_to_str(dsp_window code, char *buf, int len);
-
-/* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Window generation
@@ -507,8 +495,6 @@ DSP_API int dspi_window_tukey(dsp_signal *x, double alpha, int flags);
 DSP_API int dspfi_window_fir(dspf_signal *x, int code, float p);
 DSP_API int dspi_window_fir(dsp_signal *x, int code, double p);
 
-/* (end of section) */
-
 /* ------------------------------------------------------------------------
  * Window metrics
  * ------------------------------------------------------------------------ */
@@ -525,8 +511,6 @@ DSP_API int dspf_window_enbw(float *out, dsp_window kind, int n);
 DSP_API int dsp_window_enbw(double *out, dsp_window kind, int n);
 DSP_API int dspf_window2_enbw(float *out, dsp_window kind, int n, float p);
 DSP_API int dsp_window2_enbw(double *out, dsp_window kind, int n, double p);
-
-/* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Windowed spectrum
@@ -575,8 +559,6 @@ DSP_API int cf_dsph_fft(const double *in, double *out, int n, int cplx, dsp_wind
 DSP_API int cf_dspfh_fft_fast_but_dirty(const float *in, float *out, int n, int cplx,
                                         dsp_window kind, int flags, int length);
 
-/* (end of section) */
-
 /* ------------------------------------------------------------------------
  * Element-wise binary arithmetic
  * ------------------------------------------------------------------------ */
@@ -621,8 +603,6 @@ DSP_API int dspb_pmul(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
 DSP_API int dspfb_ritoc(const dspf_signal *re, const dspf_signal *im, dspf_signal *r);
 DSP_API int dspb_ritoc(const dsp_signal *re, const dsp_signal *im, dsp_signal *r);
 
-/* (end of section) */
-
 /* ------------------------------------------------------------------------
  * Dot product
  * ------------------------------------------------------------------------ */
@@ -631,8 +611,6 @@ DSP_API int dspb_ritoc(const dsp_signal *re, const dsp_signal *im, dsp_signal *r
  * conjugated): one point, complex if either input is; r's delta is kept. */
 DSP_API int dspfbs_dot(const dspf_signal *a, const dspf_signal *b, dspf_signal *r);
 DSP_API int dspbs_dot(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
-
-/* (end of section) */
 
 /* ------------------------------------------------------------------------
  * Descriptive statistics
@@ -696,8 +674,6 @@ DSP_API int dsps_excess(const dsp_signal *in, dsp_signal *out);
 DSP_API int dspfs_hist(const dspf_signal *in, dspf_signal *out, float low, float width, int bins);
 DSP_API int dsps_hist(const dsp_signal *in, dsp_signal *out, double low, double width, int bins);
 
-/* (end of section) */
-
 /* ------------------------------------------------------------------------
  * Peak search
  * ------------------------------------------------------------------------ */
@@ -715,8 +691,6 @@ DSP_API int dsps_hist(const dsp_signal *in, dsp_signal *out, double low, double 
  */
 DSP_API int dspfs_peak(const dspf_signal *in, dspf_signal *out, int flags, int index);
 DSP_API int dsps_peak(const dsp_signal *in, dsp_signal *out, int flags, int index);
-
-/* (end of section) */
 
 #ifdef __cplusplus
 }

@@ -81,8 +81,6 @@ int dspi_addcos(dsp_signal *x, int flags, double freq, double amp, double phase)
     return dsp::addcos<double>(*x, flags, freq, amp, phase);
 }
 
-// (end of arithmetic)
-
 // Sequence rearrangement.
 int dspfi_rev(dspf_signal *x) { return rev<float>(*x); }
 int dspi_rev(dsp_signal *x) { return rev<double>(*x); }
@@ -105,8 +103,6 @@ int dspi_zinter(dsp_signal *x) { return zinter<double>(*x); }
 int dspfi_sort(dspf_signal *x) { return sort<float>(*x); }
 int dspi_sort(dsp_signal *x) { return sort<double>(*x); }
 
-// (end of rearrangement)
-
 // Differences, integration and phase unwrapping.
 int dspfi_integ(dspf_signal *x) { return integ<float>(*x); }
 int dspi_integ(dsp_signal *x) { return integ<double>(*x); }
@@ -124,7 +120,5 @@ int dspfi_recon(dspf_signal *x) { return recon<float>(*x); }
 int dspi_recon(dsp_signal *x) { return recon<double>(*x); }
 int dspfi_orecon(dspf_signal *x, int odd) { return orecon<float>(*x, odd); }
 int dspi_orecon(dsp_signal *x, int odd) { return orecon<double>(*x, odd); }
-
-// (end of differences)
 
 }  // extern "C"

@@ -100,6 +100,4 @@ int cf_dspfh_fft(const float *in, float *out, int n, int cplx, dsp_window kind, 
 int cf_dsph_fft(const double *in, double *out, int n, int cplx, dsp_window kind, int flags, int length) { return windowed_fft_array<double>(in, out, n, cplx, kind, flags, length); }
 int cf_dspfh_fft_fast_but_dirty(const float *in, float *out, int n, int cplx, dsp_window kind, int flags, int length) { return windowed_fft_array_in_place(in, out, n, cplx, kind, flags, length); }
 
-// (end of windowed spectrum)
-
 }  // extern "C"
