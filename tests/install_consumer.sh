@@ -14,6 +14,6 @@ prefix=$work/prefix
 "$work/cmake-build/consumer"
 libdir=$(dirname "$(find "$prefix" -name 'dsp.pc' | head -1)")/..
 export PKG_CONFIG_PATH=$libdir/pkgconfig
-"$cc" -std=c99 -Wall -Wextra -Werror "$consumer/main.c" -o "$work/pc-consumer" \
+"$cc" -std=c99 -pedantic-errors -Wall -Wextra -Werror "$consumer/main.c" -o "$work/pc-consumer" \
       $(pkg-config --cflags --libs dsp) -Wl,-rpath,"$(cd "$libdir" && pwd)"
 "$work/pc-consumer"
