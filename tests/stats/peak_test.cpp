@@ -17,8 +17,11 @@ TYPED_TEST(Peak, SearchAndIndexChoice) {
     const struct {
         int flags, index;
         std::vector<T> want;
-    } cases[] = {{0, 0, {3, 1}},         {0x2000, 0, {1, 0}}, {0x1000 | 0x2000, 3, {2, 3}},
-                 {0x1000, -5, {1, 0}},   {0x1000, 99, {2, 3}}};
+    } cases[] = {{0, 0, {3, 1}},
+                 {0x2000, 0, {1, 0}},
+                 {0x1000 | 0x2000, 3, {2, 3}},
+                 {0x1000, -5, {1, 0}},
+                 {0x1000, 99, {2, 3}}};
     for (const auto &c : cases) EXPECT_OK(DSP(s_peak)(&x, &r, c.flags, c.index), *r, c.want);
     // Squared magnitudes; a part beyond L counts as L during the search only:
     // (2L, 0) counts as L, below big^2, though its own square is far above.

@@ -82,9 +82,9 @@ void expect_values(const sig<T> &s, const std::vector<T> &want, double tol = 0.0
 
 // Expects status 0 from `call`, then the scalars of the record `rec` to be
 // the braced list (and an optional tolerance) that follows.
-#define EXPECT_OK(call, rec, ...)                                  \
-    do {                                                           \
-        EXPECT_EQ((call), 0);                                      \
+#define EXPECT_OK(call, rec, ...)                                 \
+    do {                                                          \
+        EXPECT_EQ((call), 0);                                     \
         ::dsp_test::expect_values<TypeParam>((rec), __VA_ARGS__); \
     } while (0)
 

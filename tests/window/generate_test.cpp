@@ -23,10 +23,12 @@ std::vector<double> gen(F op, int n) {
 // The window itself: a record of ones windowed without rotation.
 template <class T>
 std::vector<double> make(int kind, int n, int flags, T p = 0) {
-    return gen<T>([&](sig<T> *x) {
-        return (flags & 8) ? pick<T>(dspfi_window2, dspi_window2)(x, kind, flags | 32, p)
-                           : pick<T>(dspfi_window, dspi_window)(x, kind, flags | 32);
-    }, n);
+    return gen<T>(
+        [&](sig<T> *x) {
+            return (flags & 8) ? pick<T>(dspfi_window2, dspi_window2)(x, kind, flags | 32, p)
+                               : pick<T>(dspfi_window, dspi_window)(x, kind, flags | 32);
+        },
+        n);
 }
 
 // The mean of the window's values raised to the power p, to the power 1/p.
@@ -92,8 +94,8 @@ TYPED_TEST(WindowGenerate, HannExampleAndRotation) {
     // multiplied point by point.
     Rec<T> x({1, 2, 1, 2, 1, 2, 1, 2, 1, 2, 1, 2, 1, 2, 1, 2}, true, T(0.5));
     EXPECT_OK(DSP(i_window)(&x, DSP_WINDOW_HANN, 2), *x,
-              {1, 2, T(0.853553), T(1.707107), 0.5, 1, T(0.146447), T(0.292893), 0, 0,
-               T(0.146447), T(0.292893), 0.5, 1, T(0.853553), T(1.707107)},
+              {1, 2, T(0.853553), T(1.707107), 0.5, 1, T(0.146447), T(0.292893), 0, 0, T(0.146447),
+               T(0.292893), 0.5, 1, T(0.853553), T(1.707107)},
               tol);
     EXPECT_EQ(x->delta, T(0.5));
     // Odd length: centre at index 2, distances 1 and 2.
@@ -135,7 +137,7 @@ TYPED_TEST(WindowGenerate, NormalisationModes) {
     for (int kind = 1; kind <= 24; ++kind) {
         // Hann's unit-rms set and the flat-top kinds hold nine-digit
         // coefficients in both families.
-        const double tol = std::is_same_v<T, float>                  ? 2e-6
+        const double tol = std::is_same_v<T, float>                   ? 2e-6
                            : (kind == 2 || (kind >= 8 && kind <= 13)) ? 3e-8
                                                                       : 1e-12;
         for (int n : {1, 2, 3, 4, 5, 6, 8, 13, 64, 101, 1000}) {
@@ -168,7 +170,8 @@ for n in (8, 64):
     out += list(w.gaussian(n, 0.1583722 * n, sym=False))
 for n in (7, 8):
     out += list(w.kaiser(n, 5.5, sym=True)) + list(w.gaussian(n, 0.3 * n, sym=True))
-out += list(w.kaiser()" + std::to_string(nf) + ", " + std::to_string(beta) + R"(, sym=True))
+out += list(w.kaiser()" + std::to_string(nf) +
+                                           ", " + std::to_string(beta) + R"(, sym=True))
 print(' '.join(repr(float(v)) for v in out))
 )");
     size_t at = 0;
@@ -193,8 +196,8 @@ print(' '.join(repr(float(v)) for v in out))
         expect_close<T>(gen<T>([](sig<T> *x) { return DSP(i_window_gauss)(x, T(0.3), 38); }, n),
                         next(n), tol, "gauss sym");
     }
-    expect_close<T>(gen<T>([&](sig<T> *x) { return DSP(i_window_fir)(x, 101, T(p)); }, nf), next(nf),
-                    std::is_same_v<T, float> ? 1e-5 : 1e-9, "fir kaiser");
+    expect_close<T>(gen<T>([&](sig<T> *x) { return DSP(i_window_fir)(x, 101, T(p)); }, nf),
+                    next(nf), std::is_same_v<T, float> ? 1e-5 : 1e-9, "fir kaiser");
     EXPECT_EQ(at, ref.size());
 }
 
@@ -261,7 +264,8 @@ TYPED_TEST(WindowGenerate, ExplicitWidth) {
     // on both sides (the right end of the even width is zero).
     for (int width : {8, 7}) {
         std::vector<double> want(16, 0.0);
-        for (int k = -3; k <= 3; ++k) want[size_t(8 + k)] = 0.5 + 0.5 * std::cos(2 * M_PI * k / width);
+        for (int k = -3; k <= 3; ++k)
+            want[size_t(8 + k)] = 0.5 + 0.5 * std::cos(2 * M_PI * k / width);
         expect_close<T>(make<T>(DSP_WINDOW_HANN, 16, 2 | 8, T(width)), want, tol, "hann width");
     }
     // Unit mean with explicit width: mean of the record is a0.

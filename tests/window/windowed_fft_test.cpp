@@ -53,7 +53,8 @@ print(' '.join(repr(float(t)) for t in np.column_stack([X.real, X.imag]).ravel()
             EXPECT_NEAR(double(out->delta), 48000.0 / 1024, 1e-9 * 48000);
             // The input is untouched; magnitudes and powers of the same values.
             expect_values<T>(*in, v);
-            ASSERT_EQ(DSP(h_fft)(&in, &mag, nullptr, DSP_WINDOW_HANN, DSP_SPECTRUM_MAGNITUDE, 0), 0);
+            ASSERT_EQ(DSP(h_fft)(&in, &mag, nullptr, DSP_WINDOW_HANN, DSP_SPECTRUM_MAGNITUDE, 0),
+                      0);
             ASSERT_EQ(DSP(h_fft)(&in, &pow, nullptr, DSP_WINDOW_HANN, DSP_SPECTRUM_POWER, 1024), 0);
             ASSERT_EQ(mag->cplx, 0);
             ASSERT_EQ(mag->n, out->n);
@@ -88,7 +89,8 @@ TYPED_TEST(WindowedSpectrum, ToneLevelScratchAndFailures) {
     Rec<T> x({1, 2, 3}), empty, r({5}), one({3});
     EXPECT_EQ(DSP(h_fft)(&empty, &r, nullptr, DSP_WINDOW_HANN, 0, 0), -1);
     for (int pad : {2, 6}) EXPECT_EQ(DSP(h_fft)(&x, &r, nullptr, DSP_WINDOW_HANN, 0, pad), -1);
-    for (int form : {0x300, 8}) EXPECT_EQ(DSP(h_fft)(&x, &r, nullptr, DSP_WINDOW_HANN, form, 0), -1);
+    for (int form : {0x300, 8})
+        EXPECT_EQ(DSP(h_fft)(&x, &r, nullptr, DSP_WINDOW_HANN, form, 0), -1);
     EXPECT_EQ(DSP(h_fft)(&x, &r, nullptr, 25, 0, 0), -1);
     expect_values<T>(*r, {5});
     expect_values<T>(*x, {1, 2, 3});
@@ -115,9 +117,9 @@ TYPED_TEST(WindowedSpectrum, RawArrayEntryPoints) {
         const int mag = DSP_SPECTRUM_MAGNITUDE;
         ASSERT_EQ(wrapper(v.data(), out.data(), 16, cplx, DSP_WINDOW_BLACKMAN, mag, 0), 0);
         for (size_t i = 0; i < out.size(); ++i) {
-            const double m = i >= (cplx ? 16u : 9u)
-                                 ? -9.0
-                                 : std::hypot(double(ref->data[2 * i]), double(ref->data[2 * i + 1]));
+            const double m = i >= (cplx ? 16u : 9u) ? -9.0
+                                                    : std::hypot(double(ref->data[2 * i]),
+                                                                 double(ref->data[2 * i + 1]));
             EXPECT_NEAR(double(out[i]), m, 1e-6) << i;
         }
         if constexpr (std::is_same_v<T, float>) {
