@@ -148,18 +148,14 @@ TYPED_TEST(Spectral, DocumentedCases) {
     EXPECT_OK(DSP(i_dft)(&t3, 0), *t3, {2, 0, -0.5, s3, -0.5, -s3}, ulps<T>(16));
     EXPECT_NEAR(t3->delta, T(2.0 / 3), ulps<T>());
 
-    // Five real points: half spectrum of 3; odd inverse restores 5, even gives 4.
-    Rec<T> f({1, -2, 3, 0.5, 4}, false, T(1)), g;
+    // Five real points: half spectrum of 3 (its values and the odd inverse
+    // are checked with the other lengths below); the even inverse gives 4.
+    Rec<T> f({1, -2, 3, 0.5, 4});
     ASSERT_EQ(DSP(i_rdft)(&f), 0);
-    EXPECT_EQ(f->n, 3);
-    EXPECT_EQ(f->cplx, 1);
-    EXPECT_NEAR(f->delta, T(0.2), ulps<T>());
-    g.set(f.values(), true);
-    EXPECT_OK(DSP(i_irdft)(&f, 1), *f, {1, -2, 3, 0.5, 4}, ulps<T>(32));
-    EXPECT_NEAR(f->delta, T(1), ulps<T>());
-    ASSERT_EQ(DSP(i_irdft)(&g, 0), 0);
-    EXPECT_EQ(g->n, 4);
-    EXPECT_EQ(g->cplx, 0);
+    ASSERT_EQ(f->n, 3);
+    ASSERT_EQ(DSP(i_irdft)(&f, 0), 0);
+    EXPECT_EQ(f->n, 4);
+    EXPECT_EQ(f->cplx, 0);
     // irdft of a 4-point half spectrum (a, b, c, d) as 7 points: the
     // length-7 inverse DFT of (a, b, c, d, conj d, conj c, conj b).
     Rec<T> p4({1, 0, 0.5, 0.25, -1, 2, 0.5, -0.5}, true);
