@@ -65,9 +65,7 @@ TYPED_TEST(Binary, EveryOperationEveryKindAndInPlace) {
             SCOPED_TRACE(std::string(c.name) + " a" + (ac ? "C" : "R") + " b" + (bc ? "C" : "R"));
             const auto av = random_values<T>(gen, ac ? 2 * n : n);
             const auto bv = random_values<T>(gen, bc ? 2 * n : n);
-            Rec<T> a, b, r;
-            a.set(av, ac, T(1));
-            b.set(bv, bc, T(3));
+            Rec<T> a(av, ac, T(1)), b(bv, bc, T(3)), r;
             ASSERT_EQ(c.fn(&a, &b, &r), 0);
             EXPECT_EQ(r->delta, T(2));
             EXPECT_EQ(r->cplx, (ac || bc) ? 1 : 0);
@@ -84,9 +82,7 @@ TYPED_TEST(Binary, EveryOperationEveryKindAndInPlace) {
             }
             // The result as a, then as b: the same values and spacing.
             for (bool as_a : {true, false}) {
-                Rec<T> a1, b1;
-                a1.set(av, ac, T(1));
-                b1.set(bv, bc, T(3));
+                Rec<T> a1(av, ac, T(1)), b1(bv, bc, T(3));
                 sig<T> *out = as_a ? a1.get() : b1.get();
                 EXPECT_OK(c.fn(&a1, &b1, out), *out, want);
                 EXPECT_EQ(out->delta, T(2));
@@ -197,9 +193,7 @@ TYPED_TEST(Binary, PolynomialProductIsTheLinearConvolution) {
     ASSERT_EQ(want.size(), 4 * 2 * m);
     for (int kinds = 0; kinds < 4; ++kinds) {
         const bool ac = kinds & 1, bc = kinds & 2;
-        Rec<T> a, b;
-        a.set(avs[size_t(kinds)], ac, T(1));
-        b.set(bvs[size_t(kinds)], bc, T(2));
+        Rec<T> a(avs[size_t(kinds)], ac, T(1)), b(bvs[size_t(kinds)], bc, T(2));
         ASSERT_EQ(DSP(b_pmul)(&a, &b, &b), 0);  // in place as b
         EXPECT_EQ(b->n, int32_t(m));
         EXPECT_EQ(b->cplx, (ac || bc) ? 1 : 0);

@@ -44,8 +44,7 @@ TYPED_TEST(Peak, ParabolicInterpolation) {
     // ends the plain sample and its index.
     std::vector<T> v;
     for (int k = 0; k < 5; ++k) v.push_back(T(5 - 2 * (k - 2.3) * (k - 2.3)));
-    Rec<T> x, r;
-    x.set(v);
+    Rec<T> x(v), r;
     EXPECT_OK(DSP(s_peak)(&x, &r, 0x100, 0), *r, {5, T(2.3)}, 1e3 * ulps<T>());
     EXPECT_OK(DSP(s_peak)(&x, &r, 0x1100, 0), *r, {v[0], 0});
     EXPECT_OK(DSP(s_peak)(&x, &r, 0x1100, 4), *r, {v[4], 4});
@@ -62,8 +61,7 @@ TYPED_TEST(Peak, GaussianInterpolationFollowsItsFormula) {
             std::vector<T> v;
             for (int k = 0; k < 9; ++k)
                 v.push_back(T(std::exp(-2 * double(a) * (k - mu) * (k - mu))));
-            Rec<T> x, r;
-            x.set(v);
+            Rec<T> x(v), r;
             const int status = DSP(s_peak)(&x, &r, f, 0);
             const int i = int(std::lround(mu));
             const int left = v[i - 1] > v[i + 1] ? i - 1 : i;

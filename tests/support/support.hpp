@@ -41,6 +41,11 @@ struct Rec {
         init_();
         set(std::vector<T>(v), cplx, delta);
     }
+    // A record of the scalars v (n real or n complex points as 2n scalars).
+    explicit Rec(const std::vector<T> &v, bool cplx = false, T delta = T(1)) {
+        init_();
+        set(v, cplx, delta);
+    }
     Rec(const Rec &) = delete;
     Rec &operator=(const Rec &) = delete;
     ~Rec() { pick<T>(dspf_destroy, dsp_destroy)(&s); }

@@ -173,8 +173,7 @@ TYPED_TEST(Spectral, RealTransformsAgainstLongDouble) {
     for (int n : sizes) {
         SCOPED_TRACE(n);
         const auto v = random_values(size_t(n), unsigned(n));
-        Rec<T> x;
-        x.set(as<T>(v));
+        Rec<T> x(as<T>(v));
         ASSERT_EQ(DSP(i_rdft)(&x), 0);
         ASSERT_EQ(x->n, n / 2 + 1);
         EXPECT_NEAR(x->delta, T(1.0 / n), ulps<T>() / n);
@@ -211,8 +210,7 @@ TYPED_TEST(Spectral, ComplexDftBothDirectionsAndChirpCache) {
         const auto t = as<T>(random_values(size_t(2 * n), unsigned(1000 + step)));
         std::vector<cld> in(static_cast<size_t>(n));
         for (int k = 0; k < n; ++k) in[size_t(k)] = cld(t[2 * k], t[2 * k + 1]);
-        Rec<T> x;
-        x.set(t, true, T(0.5));
+        Rec<T> x(t, true, T(0.5));
         ASSERT_EQ(DSP(i_dft)(&x, inv), 0);
         ASSERT_EQ(x->n, n);
         EXPECT_NEAR(x->delta, T(2.0 / n), ulps<T>(2) * 2.0 / n);
@@ -300,11 +298,7 @@ TYPED_TEST(Spectral, HilbertAndAnalyticOfCosines) {
             e.insert(e.end(), {re, im});
             e_h.insert(e_h.end(), {im, -re});
         }
-        Rec<T> h, z, a, cc;
-        h.set(c);
-        z.set(std::vector<T>(size_t(n), T(3)));
-        a.set(c);
-        cc.set(e, true);
+        Rec<T> h(c), z(std::vector<T>(size_t(n), T(3))), a(c), cc(e, true);
         EXPECT_OK(DSP(i_hilbert)(&h), *h, s, tol);
         EXPECT_NEAR(h->delta, T(1), ulps<T>(2));
         EXPECT_OK(DSP(i_hilbert)(&z), *z, std::vector<T>(size_t(n), T(0)), tol);
@@ -325,8 +319,7 @@ TYPED_TEST(Spectral, ChirpCacheReuseAndFailedAllocation) {
         return applied<T>(a, true, [](sig<T> *x) { return DSP(i_dft)(x, 0); });
     };
     const auto first = forward();
-    Rec<T> b;
-    b.set(a, true);
+    Rec<T> b(a, true);
     ASSERT_EQ(DSP(i_dft)(&b, 1), 0);  // same length, other direction
     // Flipping the cached chirp and kernel back is exact.
     EXPECT_EQ(forward(), first);
@@ -334,8 +327,7 @@ TYPED_TEST(Spectral, ChirpCacheReuseAndFailedAllocation) {
     // A cache that cannot be built fails before the record is touched, and
     // the next call builds it.
     ASSERT_EQ(pick<T>(dspf_free_internal, dsp_free_internal)(), 0);
-    Rec<T> x, y({1, 2, 3, 4, 5});
-    x.set(a, true);
+    Rec<T> x(a, true), y({1, 2, 3, 4, 5});
     DSP(_lib_alloc)
     (
         +[](sig<T> *s) { s->data = nullptr; }, nullptr);

@@ -280,8 +280,7 @@ TYPED_TEST(WindowGenerate, ExplicitWidth) {
 
 TYPED_TEST(WindowGenerate, CosineAndFilterDesignWindows) {
     using T = TypeParam;
-    Rec<T> coef({0.5, 0.5}), ccoef({1, 0}, true), none, x;
-    x.set(std::vector<T>(8, T(1)));
+    Rec<T> coef({0.5, 0.5}), ccoef({1, 0}, true), none, x(std::vector<T>(8, T(1)));
     const auto hann = applied<T>(std::vector<T>(8, T(1)), false,
                                  [](sig<T> *y) { return DSP(i_window)(y, DSP_WINDOW_HANN, 2); });
     EXPECT_OK(DSP(i_window_cos)(&x, &coef), *x, hann, std::is_same_v<T, float> ? 3e-6 : 1e-12);

@@ -46,8 +46,7 @@ X = (np.fft.fft(y) if c else np.fft.rfft(y)) / n
 print(' '.join(repr(float(t)) for t in np.column_stack([X.real, X.imag]).ravel()))
 )",
                                                    std::vector<double>(v.begin(), v.end()));
-            Rec<T> in, out, mag, pow;
-            in.set(v, cplx, T(1) / T(48000));
+            Rec<T> in(v, cplx, T(1) / T(48000)), out, mag, pow;
             EXPECT_OK(DSP(h_fft)(&in, &out, nullptr, DSP_WINDOW_HANN, 0, 0), *out,
                       std::vector<T>(ref.begin(), ref.end()), tol);
             EXPECT_NEAR(double(out->delta), 48000.0 / 1024, 1e-9 * 48000);
@@ -71,8 +70,7 @@ TYPED_TEST(WindowedSpectrum, ToneLevelScratchAndFailures) {
     using T = TypeParam;
     // A tone of amplitude 2 on bin 100 of 1024 points, unit-mean flat-top,
     // padded to 4096: peak magnitude a0 at bin 400 (just below 1 on purpose).
-    Rec<T> in, out, scratch;
-    in.set(tone<T>(1024, 0, 100, 2.0));
+    Rec<T> in(tone<T>(1024, 0, 100, 2.0)), out, scratch;
     auto flat = [&](sig<T> *o, sig<T> *s) {
         return DSP(h_fft)(&in, o, s, DSP_WINDOW_FLATTOP, DSP_SPECTRUM_MAGNITUDE, 4096);
     };
@@ -103,8 +101,7 @@ TYPED_TEST(WindowedSpectrum, RawArrayEntryPoints) {
     const auto wrapper = pick<T>(cf_dspfh_fft, cf_dsph_fft);
     for (int cplx : {0, 1}) {
         const std::vector<T> v = tone<T>(16, cplx, 3, 1.0);
-        Rec<T> in, ref;
-        in.set(v, cplx);
+        Rec<T> in(v, cplx), ref;
         ASSERT_EQ(DSP(h_fft)(&in, &ref, nullptr, DSP_WINDOW_BLACKMAN, 0, 0), 0);
         // The scalars of n input points: the first 8 complex points of the
         // half spectrum for a real input, all 16 for a complex one.
