@@ -65,9 +65,7 @@ TYPED_TEST(Binary, EveryOperationEveryKindAndInPlace) {
             SCOPED_TRACE(std::string(c.name) + " a" + (ac ? "C" : "R") + " b" + (bc ? "C" : "R"));
             const auto av = random_values<T>(gen, ac ? 2 * n : n);
             const auto bv = random_values<T>(gen, bc ? 2 * n : n);
-            Rec<T> a, b, r;
-            a.set(av, ac, T(1));
-            b.set(bv, bc, T(3));
+            Rec<T> a(av, ac, T(1)), b(bv, bc, T(3)), r;
             ASSERT_EQ(c.fn(&a, &b, &r), 0);
             EXPECT_EQ(r->delta, T(2));
             EXPECT_EQ(r->cplx, (ac || bc) ? 1 : 0);
@@ -82,92 +80,70 @@ TYPED_TEST(Binary, EveryOperationEveryKindAndInPlace) {
                     EXPECT_NEAR(double(got.imag()), double(z.imag()), tol) << i;
                 }
             }
-            Rec<T> a1, b1;
-            a1.set(av, ac, T(1));
-            b1.set(bv, bc, T(3));
-            ASSERT_EQ(c.fn(&a1, &b1, &a1), 0);
-            expect_values<T>(*a1, want);
-            EXPECT_EQ(a1->delta, T(2));
-            Rec<T> a2, b2;
-            a2.set(av, ac, T(1));
-            b2.set(bv, bc, T(3));
-            ASSERT_EQ(c.fn(&a2, &b2, &b2), 0);
-            expect_values<T>(*b2, want);
+            // The result as a, then as b: the same values and spacing.
+            for (bool as_a : {true, false}) {
+                Rec<T> a1(av, ac, T(1)), b1(bv, bc, T(3));
+                sig<T> *out = as_a ? a1.get() : b1.get();
+                EXPECT_OK(c.fn(&a1, &b1, out), *out, want);
+                EXPECT_EQ(out->delta, T(2));
+            }
             std::vector<T> caller = av;
-            sig<T> wrapped{T(1), caller.data(), 0, int32_t(n), ac ? 1 : 0, 0};
-            ASSERT_EQ(c.fn(&wrapped, &b, &wrapped), 0);
-            expect_values<T>(wrapped, want);
+            Rec<T> wrapped;
+            *wrapped = wrap(caller.data(), int(n), ac);
+            EXPECT_OK(c.fn(&wrapped, &b, &wrapped), *wrapped, want);
             EXPECT_EQ(caller, av);
-            DSP(_destroy)(&wrapped);
         }
     }
 }
 
 TYPED_TEST(Binary, AddSubPadTheShorterInput) {
     using T = TypeParam;
-    Rec<T> a({1, 2, 3}), b({10, 20, 30, 40, 50}), r;
-    ASSERT_EQ(DSP(b_add)(&a, &b, &r), 0);
-    expect_values<T>(*r, {11, 22, 33, 40, 50});
-    ASSERT_EQ(DSP(b_sub)(&a, &b, &r), 0);
-    expect_values<T>(*r, {-9, -18, -27, -40, -50});
-    ASSERT_EQ(DSP(b_sub)(&b, &a, &b), 0);  // in place into the longer one
-    expect_values<T>(*b, {9, 18, 27, 40, 50});
-    Rec<T> c({1, 1, 2, 2}, true);
-    ASSERT_EQ(DSP(b_sub)(&a, &c, &a), 0);  // real shorter-or-equal a into complex
-    expect_values<T>(*a, {0, -1, 0, -2, 3, 0});
+    Rec<T> a({1, 2, 3}), b({10, 20, 30, 40, 50}), r, c({1, 1, 2, 2}, true), e;
+    EXPECT_OK(DSP(b_add)(&a, &b, &r), *r, {11, 22, 33, 40, 50});
+    EXPECT_OK(DSP(b_sub)(&a, &b, &r), *r, {-9, -18, -27, -40, -50});
+    EXPECT_OK(DSP(b_sub)(&b, &a, &b), *b, {9, 18, 27, 40, 50});  // in place into the longer one
+    // Real shorter-or-equal a into complex, in place.
+    EXPECT_OK(DSP(b_sub)(&a, &c, &a), *a, {0, -1, 0, -2, 3, 0});
     EXPECT_EQ(DSP(b_mul)(&a, &b, &r), -1);
-    Rec<T> e;
     ASSERT_EQ(DSP(b_add)(&e, &e, &e), 0);
     EXPECT_EQ(e->n, 0);
 }
 
 TYPED_TEST(Binary, UnequalLengthsLeaveTheResultUntouched) {
     using T = TypeParam;
-    Rec<T> a({1, 2}), b({1, 2, 3}), r({7}, false, T(5));
-    for (auto fn : {DSP(b_mul), DSP(b_div), DSP(b_conj_mul), DSP(b_max), DSP(b_min)}) {
+    Rec<T> a({1, 2}), b({1, 2, 3}), c({1, 2, 3, 4}, true), r({7}, false, T(5));
+    for (auto fn : {DSP(b_mul), DSP(b_div), DSP(b_conj_mul), DSP(b_max), DSP(b_min)})
         EXPECT_EQ(fn(&a, &b, &r), -1);
-        expect_values<T>(*r, {7});
-        EXPECT_EQ(r->delta, T(5));
-    }
     EXPECT_EQ(DSP(b_avg_add)(&a, &b, &r, T(0.5)), -1);
     EXPECT_EQ(DSP(b_ritoc)(&a, &b, &r), -1);
-    Rec<T> c({1, 2, 3, 4}, true);
     EXPECT_EQ(DSP(b_ritoc)(&a, &c, &r), -1);
     EXPECT_EQ(DSP(b_ritoc)(&c, &a, &r), -1);
     expect_values<T>(*r, {7});
+    EXPECT_EQ(r->delta, T(5));
 }
 
 TYPED_TEST(Binary, ZeroDivisorGivesTheLargeValue) {
     using T = TypeParam;
     const T L = dsp::precision<T>::large;
-    Rec<T> a({1, -1, 0, 6}), b({0, 0, 0, 3}), r;
-    ASSERT_EQ(DSP(b_div)(&a, &b, &r), 0);
-    expect_values<T>(*r, {L, L, 0, 2});
+    Rec<T> a({1, -1, 0, 6}), b({0, 0, 0, 3}), r, a3({1, -1, 0}), z3({0, 2, 0});
     Rec<T> ca({1, 0, 0, -2, 0, 0}, true), cb({0, 0, 0, 0, 0, 0}, true);
-    ASSERT_EQ(DSP(b_div)(&ca, &cb, &r), 0);
-    expect_values<T>(*r, {L, L, L, L, 0, 0});
-    Rec<T> a3({1, -1, 0});
-    ASSERT_EQ(DSP(b_div)(&a3, &cb, &r), 0);
-    expect_values<T>(*r, {L, L, L, L, 0, 0});
-    Rec<T> z3({0, 2, 0});
-    ASSERT_EQ(DSP(b_div)(&ca, &z3, &ca), 0);  // complex by real, in place
-    expect_values<T>(*ca, {L, L, 0, -1, 0, 0});
+    EXPECT_OK(DSP(b_div)(&a, &b, &r), *r, {L, L, 0, 2});
+    EXPECT_OK(DSP(b_div)(&ca, &cb, &r), *r, {L, L, L, L, 0, 0});
+    EXPECT_OK(DSP(b_div)(&a3, &cb, &r), *r, {L, L, L, L, 0, 0});
+    EXPECT_OK(DSP(b_div)(&ca, &z3, &ca), *ca, {L, L, 0, -1, 0, 0});  // complex by real, in place
 }
 
 TYPED_TEST(Binary, MaxMinOfComplexPoints) {
     using T = TypeParam;
     const T L = dsp::precision<T>::large;
     Rec<T> ra({1, 5, -3}), rb({2, 5, -4}), r;
-    ASSERT_EQ(DSP(b_max)(&ra, &rb, &r), 0);
-    expect_values<T>(*r, {2, 5, -3});
-    ASSERT_EQ(DSP(b_min)(&ra, &rb, &r), 0);
-    expect_values<T>(*r, {1, 5, -4});
+    EXPECT_OK(DSP(b_max)(&ra, &rb, &r), *r, {2, 5, -3});
+    EXPECT_OK(DSP(b_min)(&ra, &rb, &r), *r, {1, 5, -4});
     // a: (3,4) |5|, (2L,0) guarded to L, (0,1); b: (0,1), (big,0) with
     // big^2 > L in the double family, (0,2).
-    const T big = std::is_same_v<T, float> ? T(1e6) : T(1e60);
+    const T big = pick<T>(1e6f, 1e60);
     Rec<T> a({3, 4, 2 * L, 0, 0, 1}, true), b({0, 1, big, 0, 0, 2}, true);
-    Rec<T> real_a({-6, 0, 3}), real_b({0, 2, 1});
-    Rec<T> mx, mn, mixed1, mixed2;
+    Rec<T> real_a({-6, 0, 3}), real_b({0, 2, 1}), mx, mn, mixed1, mixed2;
     ASSERT_EQ(DSP(b_max)(&a, &b, &mx), 0);
     ASSERT_EQ(DSP(b_min)(&a, &b, &mn), 0);
     ASSERT_EQ(DSP(b_max)(&real_a, &b, &mixed1), 0);
@@ -189,58 +165,54 @@ TYPED_TEST(Binary, MaxMinOfComplexPoints) {
 
 TYPED_TEST(Binary, PolynomialProductIsTheLinearConvolution) {
     using T = TypeParam;
-    Rec<T> one({1, 1}), r;
-    ASSERT_EQ(DSP(b_pmul)(&one, &one, &one), 0);
-    expect_values<T>(*one, {1, 2, 1});
-    Rec<T> e;
+    Rec<T> one({1, 1}), r, e;
+    EXPECT_OK(DSP(b_pmul)(&one, &one, &one), *one, {1, 2, 1});
     ASSERT_EQ(DSP(b_pmul)(&one, &e, &r), 0);
     EXPECT_EQ(r->n, 0);
+    // Every kind combination of 23 by 9 points against numpy, in one call:
+    // the inputs go as complex points, a then b, per combination.
+    const size_t an = 23, bn = 9, m = an + bn - 1;
     std::mt19937 gen(3);
+    std::vector<std::vector<T>> avs, bvs;
+    std::vector<double> in;
     for (int kinds = 0; kinds < 4; ++kinds) {
         const bool ac = kinds & 1, bc = kinds & 2;
-        const size_t an = 23, bn = 9;
-        const auto av = random_values<T>(gen, ac ? 2 * an : an);
-        const auto bv = random_values<T>(gen, bc ? 2 * bn : bn);
-        std::vector<double> in;
-        for (size_t i = 0; i < an; ++i) {
-            in.push_back(double(point(av, ac, i).real()));
-            in.push_back(double(point(av, ac, i).imag()));
+        avs.push_back(random_values<T>(gen, ac ? 2 * an : an));
+        bvs.push_back(random_values<T>(gen, bc ? 2 * bn : bn));
+        for (size_t i = 0; i < an + bn; ++i) {
+            const cld z = i < an ? point(avs.back(), ac, i) : point(bvs.back(), bc, i - an);
+            in.insert(in.end(), {double(z.real()), double(z.imag())});
         }
-        for (size_t i = 0; i < bn; ++i) {
-            in.push_back(double(point(bv, bc, i).real()));
-            in.push_back(double(point(bv, bc, i).imag()));
-        }
-        const auto want = python(
-            "z = x[0::2] + 1j * x[1::2]\n"
-            "c = np.convolve(z[:23], z[23:])\n"
-            "print(' '.join(repr(float(v)) for p in c for v in (p.real, p.imag)))",
-            in);
-        ASSERT_EQ(want.size(), 2 * (an + bn - 1));
-        Rec<T> a, b;
-        a.set(av, ac, T(1));
-        b.set(bv, bc, T(2));
+    }
+    const auto want = python(
+        "z = (x[0::2] + 1j * x[1::2]).reshape(4, 32)\n"
+        "for a in z:\n"
+        "    c = np.convolve(a[:23], a[23:])\n"
+        "    print(' '.join(repr(float(v)) for p in c for v in (p.real, p.imag)))",
+        in);
+    ASSERT_EQ(want.size(), 4 * 2 * m);
+    for (int kinds = 0; kinds < 4; ++kinds) {
+        const bool ac = kinds & 1, bc = kinds & 2;
+        Rec<T> a(avs[size_t(kinds)], ac, T(1)), b(bvs[size_t(kinds)], bc, T(2));
         ASSERT_EQ(DSP(b_pmul)(&a, &b, &b), 0);  // in place as b
-        EXPECT_EQ(b->n, int32_t(an + bn - 1));
+        EXPECT_EQ(b->n, int32_t(m));
         EXPECT_EQ(b->cplx, (ac || bc) ? 1 : 0);
         EXPECT_EQ(b->delta, T(1.5));
         const auto got = b.values();
-        for (size_t k = 0; k < an + bn - 1; ++k) {
+        for (size_t k = 0; k < m; ++k) {
             const cld z = point(got, ac || bc, k);
-            EXPECT_NEAR(double(z.real()), want[2 * k], ulps<T>(64) * 50);
-            EXPECT_NEAR(double(z.imag()), want[2 * k + 1], ulps<T>(64) * 50);
+            EXPECT_NEAR(double(z.real()), want[2 * (kinds * m + k)], ulps<T>(64) * 50);
+            EXPECT_NEAR(double(z.imag()), want[2 * (kinds * m + k) + 1], ulps<T>(64) * 50);
         }
     }
 }
 
 TYPED_TEST(Binary, RealAndImaginaryPartsJoin) {
     using T = TypeParam;
-    Rec<T> re({1, 2, 3}, false, T(1)), im({4, 5, 6}, false, T(2)), r;
-    ASSERT_EQ(DSP(b_ritoc)(&re, &im, &r), 0);
-    expect_values<T>(*r, {1, 4, 2, 5, 3, 6});
-    EXPECT_EQ(r->delta, T(1.5));
-    ASSERT_EQ(DSP(b_ritoc)(&re, &im, &im), 0);
-    expect_values<T>(*im, {1, 4, 2, 5, 3, 6});
-    Rec<T> re2({1, 2, 3}), im2({4, 5, 6});
-    ASSERT_EQ(DSP(b_ritoc)(&re2, &im2, &re2), 0);
-    expect_values<T>(*re2, {1, 4, 2, 5, 3, 6});
+    for (int out = 0; out < 3; ++out) {  // a new record, im, re
+        Rec<T> re({1, 2, 3}, false, T(1)), im({4, 5, 6}, false, T(2)), r;
+        sig<T> *res = out == 0 ? r.get() : out == 1 ? im.get() : re.get();
+        EXPECT_OK(DSP(b_ritoc)(&re, &im, res), *res, {1, 4, 2, 5, 3, 6});
+        EXPECT_EQ(res->delta, T(1.5));
+    }
 }

@@ -41,6 +41,11 @@ struct Rec {
         init_();
         set(std::vector<T>(v), cplx, delta);
     }
+    // A record of the scalars v (n real or n complex points as 2n scalars).
+    explicit Rec(const std::vector<T> &v, bool cplx = false, T delta = T(1)) {
+        init_();
+        set(v, cplx, delta);
+    }
     Rec(const Rec &) = delete;
     Rec &operator=(const Rec &) = delete;
     ~Rec() { pick<T>(dspf_destroy, dsp_destroy)(&s); }
@@ -79,6 +84,14 @@ void expect_values(const sig<T> &s, const std::vector<T> &want, double tol = 0.0
             EXPECT_NEAR(double(s.data[i]), double(want[i]), tol) << "scalar " << i;
     }
 }
+
+// Expects status 0 from `call`, then the scalars of the record `rec` to be
+// the braced list (and an optional tolerance) that follows.
+#define EXPECT_OK(call, rec, ...)                                 \
+    do {                                                          \
+        EXPECT_EQ((call), 0);                                     \
+        ::dsp_test::expect_values<TypeParam>((rec), __VA_ARGS__); \
+    } while (0)
 
 // A record wrapping the caller's array of n points (alloc 0: not owned, so
 // sizing never writes it). Destroy it, or hand it to a Rec: *r = wrap(...).

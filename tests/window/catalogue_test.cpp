@@ -70,6 +70,8 @@ TYPED_TEST(WindowNames, EveryRowInAnyCaseMix) {
             EXPECT_EQ(v, 0) << s;
         }
     }
+    // Lower case, and the code of Lowleak; the empty text fails and sets 0,
+    // no text leaves the value.
     dsp_window v = -7;
     EXPECT_EQ(DSP(_window_from_str)("lowleak", &v), 0);
     EXPECT_EQ(v, 6);

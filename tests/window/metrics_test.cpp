@@ -67,8 +67,7 @@ TYPED_TEST(WindowMetrics, AgreeWithGeneratedWindows) {
             // The scale is the peak of the normalised window.
             for (int mode : {0, 1}) {
                 if (kind == 1 && mode == 0 && n % 2 && std::is_same_v<T, float>) continue;
-                Rec<T> x;
-                x.set(std::vector<T>(size_t(n), T(1)));
+                Rec<T> x(std::vector<T>(size_t(n), T(1)));
                 ASSERT_EQ(DSP(i_window)(&x, kind, mode | 32), 0) << what;
                 T s;
                 ASSERT_EQ(DSP(_window_scale)(&s, kind, mode, n), 0) << what;
@@ -76,8 +75,7 @@ TYPED_TEST(WindowMetrics, AgreeWithGeneratedWindows) {
                     << what << " mode " << mode;
             }
             // ENBW: n * sum of squares / squared sum of the window.
-            Rec<T> w;
-            w.set(std::vector<T>(size_t(n), T(1)));
+            Rec<T> w(std::vector<T>(size_t(n), T(1)));
             ASSERT_EQ(DSP(i_window)(&w, kind, 2 | 32), 0);
             long double sum = 0, sq = 0;
             for (int i = 0; i < n; ++i) {
