@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "elementwise/convert.hpp"
+#include "frame/record.hpp"
 #include "transform/fft_kernel.hpp"
 
 namespace dsp {
@@ -377,6 +378,16 @@ int fft(signal_t<T> &x, int inverse) {
 }
 
 template <class T>
+int raw_fft(T *data, int n, int cplx, int inverse) {
+    signal_t<T> x;
+    init<T>(x);
+    x.data = data;
+    x.n = n;
+    x.cplx = cplx;
+    return fft<T>(x, inverse);
+}
+
+template <class T>
 int release_bitrev_tables() {
     caches<T>::pairs.release();
     caches<T>::fixed.release();
@@ -391,6 +402,7 @@ int release_twiddle_tables() {
 
 #define DSP_INSTANTIATE(T)                       \
     template int fft<T>(signal_t<T> &, int);     \
+    template int raw_fft<T>(T *, int, int, int); \
     template int bitrev<T>(signal_t<T> &);       \
     template int bitrev_scale<T>(signal_t<T> &); \
     template int release_bitrev_tables<T>();     \

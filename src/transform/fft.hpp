@@ -16,6 +16,13 @@ namespace dsp {
 template <class T>
 int fft(signal_t<T> &x, int inverse);
 
+// fft of a caller's array of n points (2n scalars when cplx) through a
+// temporary record that does not own it. Complex data is transformed in the
+// array; real data is widened into storage the temporary record takes for
+// itself, which is neither returned nor released.
+template <class T>
+int raw_fft(T *data, int n, int cplx, int inverse);
+
 // Bit-reversal permutation of the points (complex) or scalars (real) of a
 // record of 2^b points; bitrev_scale also multiplies every scalar by 1/n.
 template <class T>
