@@ -553,9 +553,10 @@ DSP_API int cf_dsph_fft(const double *in, double *out, int n, int cplx, dsp_wind
                         int flags, int length);
 /* As cf_dspfh_fft, but the result record uses `out` (n or 2n scalars) as if
  * it owned it: no copy. A result larger than `out` (a complex half spectrum
- * needs n + 2 scalars) would be grown by the allocator as if `out` were the
- * library's own storage: use it for complex input or with the magnitude or
- * power form, with length 0 and n a power of two. */
+ * needs n + 2 scalars, padding makes it longer) would have to grow into
+ * storage the caller's array cannot give: such a call returns -1 and writes
+ * nothing. Use it for complex input or with the magnitude or power form,
+ * with length 0 and n a power of two. */
 DSP_API int cf_dspfh_fft_fast_but_dirty(const float *in, float *out, int n, int cplx,
                                         dsp_window kind, int flags, int length);
 

@@ -19,6 +19,24 @@ namespace {
 
 bool power_of_two(int n) { return n > 0 && (n & (n - 1)) == 0; }
 
+// The transform length for n points: `length`, or n rounded up to a power
+// of two when it is 0; -1 when that is not a power of two of at least n.
+int spectrum_length(int n, int length) {
+    int m = length;
+    if (m == 0) {
+        m = 1;
+        while (m < n && m <= (1 << 29)) m *= 2;
+    }
+    return power_of_two(m) && m >= n ? m : -1;
+}
+
+// Scalars of the result: a half spectrum (real input) or a full one, as
+// complex points or as one real value per point.
+int64_t spectrum_scalars(int m, int cplx, int flags) {
+    const int64_t points = cplx ? m : m / 2 + 1;
+    return (flags & SPECTRUM_FORM_MASK) == SPECTRUM_COMPLEX ? 2 * points : points;
+}
+
 template <class T>
 int spectrum_into(const signal_t<T> &in, signal_t<T> &work, int kind, int flags, int m) {
     const int n = in.n;
@@ -49,12 +67,8 @@ int windowed_fft(const signal_t<T> &in, signal_t<T> &result, signal_t<T> *scratc
                  int flags, int length) {
     const int n = in.n;
     if (n < 1 || (flags & SPECTRUM_FORM_MASK) == SPECTRUM_FORM_MASK) return -1;
-    int m = length;
-    if (m == 0) {
-        m = 1;
-        while (m < n && m <= (1 << 29)) m *= 2;
-    }
-    if (!power_of_two(m) || m < n) return -1;
+    const int m = spectrum_length(n, length);
+    if (m < 0) return -1;
     // Work in the caller's scratch record, in the result itself when they
     // are the same record, or in a temporary one; the result is sized only
     // for the final form.
@@ -97,8 +111,11 @@ int windowed_fft_array_in_place(const float *in, float *out, int n, int cplx, in
     x.n = n;
     x.cplx = cplx;
     // The result record takes the caller's array as if it owned it: no copy
-    // and nothing to destroy. A result larger than the array would be grown
-    // by the allocator as if the array were the library's own storage.
+    // and nothing to destroy. A result larger than the array would have the
+    // allocator free the caller's array and take a new block, so such a call
+    // fails with -1 before anything is written.
+    const int m = spectrum_length(n, length);
+    if (n < 1 || m < 0 || spectrum_scalars(m, cplx, flags) > scalar_count(n, cplx)) return -1;
     r.data = out;
     r.n = n;
     r.cplx = cplx;

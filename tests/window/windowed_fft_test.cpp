@@ -128,6 +128,13 @@ TYPED_TEST(WindowedSpectrum, RawArrayEntryPoints) {
                             DSP_WINDOW_BLACKMAN, form, 0),
                           0);
             EXPECT_EQ(fast, slow);
+            // A result that does not fit (the complex half spectrum of a real
+            // input, or padding) fails before anything is written.
+            std::fill(fast.begin(), fast.end(), -9.0f);
+            EXPECT_EQ(cf_dspfh_fft_fast_but_dirty(v.data(), fast.data(), 16, cplx,
+                                                  DSP_WINDOW_BLACKMAN, 0, cplx ? 32 : 0),
+                      -1);
+            EXPECT_EQ(fast, std::vector<float>(v.size(), -9.0f));
         }
     }
     // A failing transform returns -1 and writes nothing.
