@@ -15,30 +15,6 @@ namespace dsp {
 
 namespace {
 
-// Thresholds and constants of the math functions, as each family stores them.
-template <class T>
-struct arith_const;
-
-template <>
-struct arith_const<float> {
-    static constexpr float exp_max = 34.538776f;     // E = ln L
-    static constexpr float exp10_max = 15.0f;        // log10 L
-    static constexpr float floor = 1.17549435e-38f;  // F, smallest normal (0x00800000)
-    static constexpr float ln10 = 2.3025851f;
-    static constexpr float log10e = 0.4342945f;
-    static constexpr float recip_small = 1e-15f;  // 1.0000000036274937e-15
-};
-
-template <>
-struct arith_const<double> {
-    static constexpr double exp_max = 230.25850929940458;
-    static constexpr double exp10_max = 100.0;
-    static constexpr double floor = 2.2250738585072014e-308;
-    static constexpr double ln10 = 2.302585092994046;
-    static constexpr double log10e = 0.4342944819032518;
-    static constexpr double recip_small = 1e-100;
-};
-
 template <class T>
 inline bool outside(T v) {
     return v > precision<T>::large || v < -precision<T>::large;
@@ -69,9 +45,9 @@ int real_only(signal_t<T> &x, F f) {
 // Complex base-ten logarithm times k (k = 1: log10, else decibels).
 template <class T>
 void complex_log10(signal_t<T> &x, T k) {
-    using C = arith_const<T>;
+    using C = precision<T>;
     constexpr T L = precision<T>::large, L2 = precision<T>::large_sq;
-    const T kF = k * rt::log10(C::floor);
+    const T kF = k * rt::log10(C::normal_min);
     T *d = x.data;
     for (int64_t i = 0; i < x.n; ++i) {
         const T re = d[2 * i], im = d[2 * i + 1];
@@ -82,7 +58,7 @@ void complex_log10(signal_t<T> &x, T k) {
             (void)re;
             const T b2 = outside(im) ? L2 : im * im;
             const T m = b2 + L2;
-            if (m < C::floor) {
+            if (m < C::normal_min) {
                 d[2 * i] = kF;
                 d[2 * i + 1] = k * T(0);
             } else {
@@ -96,7 +72,7 @@ void complex_log10(signal_t<T> &x, T k) {
                 continue;
             }
             const T m = im * im + re * re;
-            if (m < C::floor) {
+            if (m < C::normal_min) {
                 d[2 * i] = kF;
                 d[2 * i + 1] = k * T(0);
             } else {
@@ -110,10 +86,10 @@ void complex_log10(signal_t<T> &x, T k) {
 // k log10 x of a real record, k log10 F below F.
 template <class T>
 void real_log10(signal_t<T> &x, T k) {
-    using C = arith_const<T>;
-    const T kF = k * rt::log10(C::floor);
+    using C = precision<T>;
+    const T kF = k * rt::log10(C::normal_min);
     T *d = x.data;
-    for (int64_t i = 0; i < x.n; ++i) d[i] = d[i] < C::floor ? kF : k * rt::log10(d[i]);
+    for (int64_t i = 0; i < x.n; ++i) d[i] = d[i] < C::normal_min ? kF : k * rt::log10(d[i]);
 }
 
 }  // namespace
@@ -172,7 +148,7 @@ int cscale(signal_t<T> &x, T a, T b) {
 
 template <class T>
 int recip(signal_t<T> &x) {
-    using C = arith_const<T>;
+    using C = precision<T>;
     constexpr T L = precision<T>::large;
     T *d = x.data;
     if (x.cplx) {
@@ -271,7 +247,7 @@ int square(signal_t<T> &x) {
 
 template <class T>
 int exp(signal_t<T> &x) {
-    using C = arith_const<T>;
+    using C = precision<T>;
     constexpr T L = precision<T>::large;
     T *d = x.data;
     if (x.cplx) {
@@ -290,7 +266,7 @@ int exp(signal_t<T> &x) {
 
 template <class T>
 int exp10(signal_t<T> &x) {
-    using C = arith_const<T>;
+    using C = precision<T>;
     constexpr T L = precision<T>::large;
     T *d = x.data;
     if (x.cplx) {
@@ -322,9 +298,9 @@ int exp10(signal_t<T> &x) {
 
 template <class T>
 int log(signal_t<T> &x) {
-    using C = arith_const<T>;
+    using C = precision<T>;
     constexpr T L = precision<T>::large;
-    const T lnF = rt::log(C::floor);
+    const T lnF = rt::log(C::normal_min);
     T *d = x.data;
     if (x.cplx) {
         const T half_ln_large = T(0.5) * rt::log(L);
@@ -336,7 +312,7 @@ int log(signal_t<T> &x) {
                 continue;
             }
             const T m = im * im + re * re;
-            if (m < C::floor) {
+            if (m < C::normal_min) {
                 d[2 * i] = lnF;
                 d[2 * i + 1] = T(0);
             } else {
@@ -347,7 +323,7 @@ int log(signal_t<T> &x) {
         return 0;
     }
     // Zero, negative numbers and denormals all give ln F.
-    for (int64_t i = 0; i < x.n; ++i) d[i] = d[i] < C::floor ? lnF : rt::log(d[i]);
+    for (int64_t i = 0; i < x.n; ++i) d[i] = d[i] < C::normal_min ? lnF : rt::log(d[i]);
     return 0;
 }
 
@@ -362,7 +338,7 @@ int log10(signal_t<T> &x) {
 
 template <class T>
 int db(signal_t<T> &x, T k) {
-    using C = arith_const<T>;
+    using C = precision<T>;
     if (x.cplx) {
         complex_log10<T>(x, k);
         return 0;
@@ -374,14 +350,14 @@ int db(signal_t<T> &x, T k) {
         // input is lost) and moves the walk on once more. The walk may thus
         // reach 2n scalars; it stops at the end of storage (walk_bound), and
         // a decibel value that would land beyond it is dropped.
-        const T kF = k * rt::log10(C::floor);
+        const T kF = k * rt::log10(C::normal_min);
         const int64_t bound = walk_bound<T>(x);
         T *d = x.data;
         int64_t p = 0;
         for (int64_t step = 0; step < x.n && p < bound; ++step) {
             const T v = d[p];
             d[p++] = kF;
-            if (v >= C::floor) {
+            if (v >= C::normal_min) {
                 if (p < bound) d[p] = k * rt::log10(v);
                 ++p;
             }
@@ -394,7 +370,7 @@ int db(signal_t<T> &x, T k) {
 
 template <class T>
 int sinh(signal_t<T> &x) {
-    using C = arith_const<T>;
+    using C = precision<T>;
     constexpr T L = precision<T>::large;
     return real_only<T>(
         x, [](T v) { return v > C::exp_max ? L : (v < -C::exp_max ? -L : rt::sinh(v)); });
@@ -402,7 +378,7 @@ int sinh(signal_t<T> &x) {
 
 template <class T>
 int cosh(signal_t<T> &x) {
-    using C = arith_const<T>;
+    using C = precision<T>;
     constexpr T L = precision<T>::large;
     return real_only<T>(x,
                         [](T v) { return (v > C::exp_max || v < -C::exp_max) ? L : rt::cosh(v); });
@@ -420,7 +396,7 @@ int acos(signal_t<T> &x) {
 
 template <class T>
 int besi0(signal_t<T> &x) {
-    using C = arith_const<T>;
+    using C = precision<T>;
     constexpr T L = precision<T>::large;
     return real_only<T>(
         x, [](T v) { return (v > C::exp_max || v < -C::exp_max) ? L : bessel_i0<T>(v); });

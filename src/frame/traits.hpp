@@ -20,6 +20,15 @@ struct precision<float> {
     static constexpr float large = 999999986991104.0f;
     static constexpr float large_sq = 9.99999944e29f;
     static constexpr float pi = 3.14159274f;  // 0x40490fdb
+    // Thresholds and constants of the math functions: E = ln L, log10 L, the
+    // smallest normal number F (the floor of the logarithms), ln 10,
+    // log10 e, and the factor 1/L of the complex reciprocal beyond L.
+    static constexpr float exp_max = 34.538776f;
+    static constexpr float exp10_max = 15.0f;
+    static constexpr float normal_min = 1.17549435e-38f;  // 0x00800000
+    static constexpr float ln10 = 2.3025851f;
+    static constexpr float log10e = 0.4342945f;
+    static constexpr float recip_small = 1e-15f;  // 1.0000000036274937e-15
     // approx_equal / floor_index / ceil_index tolerances.
     static constexpr float tiny = 2.350988701644575e-37f;  // 1.25 * 2^-122
     static constexpr float tol_hi = 1.0000008344650269f;   // 1 + 7 * 2^-23
@@ -34,6 +43,12 @@ struct precision<double> {
     static constexpr double large = 1e100;
     static constexpr double large_sq = 1e200;
     static constexpr double pi = 3.141592653589793;
+    static constexpr double exp_max = 230.25850929940458;
+    static constexpr double exp10_max = 100.0;
+    static constexpr double normal_min = 2.2250738585072014e-308;
+    static constexpr double ln10 = 2.302585092994046;
+    static constexpr double log10e = 0.4342944819032518;
+    static constexpr double recip_small = 1e-100;
     static constexpr double tiny = 4.450147717014403e-307;  // 1.25 * 2^-1018
     static constexpr double tol_hi = 1.0000000000000044;    // 1 + 20 * 2^-52
     static constexpr double tol_lo = 0.9999999999999956;    // 1 - 20 * 2^-52

@@ -225,7 +225,7 @@ int min(const signal_t<T> &in, signal_t<T> &out) {
 // n-th root.
 template <class T>
 int gmean(const signal_t<T> &in, signal_t<T> &out) {
-    constexpr T tiny = std::numeric_limits<T>::min();
+    constexpr T tiny = precision<T>::normal_min;
     const T *x = in.data;
     const int64_t n = in.n;
     if (n < 1) return put<T>(out, in.cplx, T(0));
