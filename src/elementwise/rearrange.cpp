@@ -103,13 +103,10 @@ int swap_halves(signal_t<T> &x) {
 template <class T>
 int swap_halves2(signal_t<T> &x) {
     const int64_t n = x.n, w = x.cplx ? 2 : 1;
+    if (n % 2 == 0) return swap_halves<T>(x);  // even: the same exchange of halves
     if (n < 1) return 0;
     T *d = x.data;
     const int64_t m = n / 2;
-    if (n % 2 == 0) {
-        for (int64_t i = 0; i < m; ++i) swap_points(d, w, i, i + m);
-        return 0;
-    }
     // Odd: old points m..2m, then old 0..m-1.
     T saved[2] = {d[(n - 1) * w], d[(n - 1) * w + w - 1]};
     for (int64_t i = 0; i < m; ++i) {
