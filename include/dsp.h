@@ -614,6 +614,77 @@ DSP_API int dspfbs_dot(const dspf_signal *a, const dspf_signal *b, dspf_signal *
 DSP_API int dspbs_dot(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
 
 /* ------------------------------------------------------------------------
+ * Signal generators
+ * ------------------------------------------------------------------------ */
+
+/*
+ * The caller sets n, cplx and delta; the generator sizes the storage and
+ * writes the n points (delta, n and cplx are kept). Frequencies are in
+ * cycles per unit of delta. A rotation oscillator advances the phase and is
+ * re-anchored at the exact phase every 256 points (the single family reduces
+ * that phase modulo 2 pi in double). -1 only when the storage cannot be had.
+ */
+/* cos(phase + 2 pi freq delta k); a complex record gets zero imaginary parts. */
+DSP_API int dspfc_cos(dspf_signal *x, float freq, float phase);
+DSP_API int dspc_cos(dsp_signal *x, double freq, double phase);
+/* exp(i (phase + 2 pi freq delta k)) on a complex record; on a real record
+ * the same as dspfc_cos. */
+DSP_API int dspfc_cexp(dspf_signal *x, float freq, float phase);
+DSP_API int dspc_cexp(dsp_signal *x, double freq, double phase);
+/* start + k slope delta, accumulated by repeated addition of slope delta;
+ * zero imaginary parts on a complex record. */
+DSP_API int dspfc_line(dspf_signal *x, float slope, float start);
+DSP_API int dspc_line(dsp_signal *x, double slope, double start);
+
+/* ------------------------------------------------------------------------
+ * FIR design
+ * ------------------------------------------------------------------------ */
+
+/*
+ * h receives the n = h->n coefficients of a linear-phase design in closed
+ * form (no window), frequencies in cycles per sample. kind: 0 band-pass
+ * (a centre, b bandwidth), 1 band-stop (a, b; odd n), 2 high-pass (a
+ * cut-off; odd n), 3 low-pass (a cut-off), 4 sinh smoothing kernel (a shape,
+ * 0 for the default of the length), 5 low-pass delayed by b samples, 6
+ * differentiator, 7 Gaussian (a bandwidth), 8 band-limited quadrature
+ * filter, 9 Kaiser-transform smoothing kernel (a shape, 0 for the default),
+ * 10 |f|-weighted low-pass. Kinds 4 (except the tabled n = 5, 7, 9), 5, 7
+ * and 9 are scaled to unit sum; 6 and 8 are antisymmetric. A complex h gets
+ * zero imaginary parts. -1 for storage failure, a kind outside 0..10 or an
+ * even n for kinds 1 and 2; h is then left real.
+ */
+DSP_API int dspfc_fir(dspf_signal *h, int kind, float a, float b);
+DSP_API int dspc_fir(dsp_signal *h, int kind, double a, double b);
+/* h becomes a stored coefficient set: code 100 (12 points), 101 (20), 102
+ * (5); -1 for any other code, h untouched. */
+DSP_API int dspfc_fir2(dspf_signal *h, int code);
+DSP_API int dspc_fir2(dsp_signal *h, int code);
+
+/* ------------------------------------------------------------------------
+ * Resampling kernels
+ * ------------------------------------------------------------------------ */
+
+/*
+ * A kernel record of N points (N set by the caller, even) holds its width
+ * at point 0 and v(theta) at points N/2 + j and N/2 - j (bit-identical),
+ * theta = j 2 pi / (N - 2), j = 0 .. (N - 2)/2. A description holds the
+ * width at point 0 and the coefficients c1 .. c(K-1) after it. N <= 1 or
+ * K <= 1 gives a zero kernel holding only the width. -1 for storage
+ * failure, odd N or a complex description. Note the argument order: the
+ * kernel (result) comes first.
+ */
+/* v(theta) = c1 + sum over i >= 2 of c_i cos((i - 1) theta). */
+DSP_API int dspfc_rsmp_cos(dspf_signal *kernel, const dspf_signal *desc);
+DSP_API int dspc_rsmp_cos(dsp_signal *kernel, const dsp_signal *desc);
+/* v(theta) = sum over i >= 1 of c_i cos(theta)^(i - 1). */
+DSP_API int dspfc_rsmp_pcos(dspf_signal *kernel, const dspf_signal *desc);
+DSP_API int dspc_rsmp_pcos(dsp_signal *kernel, const dsp_signal *desc);
+/* One of the stored kernels, mode 0 .. 4 (widths 8, 13, 8, 10, 13; modes 0
+ * and 1 polynomial, 2 to 4 cosine series); -1 for other modes. */
+DSP_API int dspfc_rsmp(dspf_signal *kernel, int mode);
+DSP_API int dspc_rsmp(dsp_signal *kernel, int mode);
+
+/* ------------------------------------------------------------------------
  * Descriptive statistics
  * ------------------------------------------------------------------------ */
 
