@@ -1,7 +1,9 @@
-// Tone and ramp generators: accuracy against the direct formula over long
-// records, the exact re-anchoring at block starts, record kinds and shapes,
-// and the failure paths.
+// Tone and ramp generators against the direct formula over long records, the
+// exact re-anchoring at block starts and the record kinds; every generator
+// and builder on caller storage, empty records and failing storage.
+#include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include "support/support.hpp"
 
@@ -15,22 +17,22 @@ TYPED_TEST(Tone, MatchesDirectFormula) {
     using T = TypeParam;
     const int n = 1000000;
     const T delta = T(0.5), freq = T(0.037), phase = T(-2.1);
-    // The documented step w (in the precision of the family); the exact
-    // phase of point k is phase + w k.
+    // The step w in the precision of the family; point k is at phase + w k.
     const T w = (delta + delta) * dsp::precision<T>::pi * freq;
-    Rec<T> c, e;
+    Rec<T> c, e, a;
     c->n = e->n = n;
-    c->delta = e->delta = delta;
+    a->n = 300;
+    c->delta = e->delta = a->delta = delta;
     e->cplx = 1;
     ASSERT_EQ(DSP(c_cos)(&c, freq, phase), 0);
     ASSERT_EQ(DSP(c_cexp)(&e, freq, phase), 0);
-    ASSERT_EQ(c->n, n);
-    ASSERT_EQ(e->cplx, 1);
+    ASSERT_EQ(DSP(c_cexp)(&a, freq, phase), 0);  // real: the cosine
+    ASSERT_TRUE(c->n == n && c->delta == delta && e->cplx == 1 && a->cplx == 0);
     long double worst = 0;
     for (int k = 0; k < n; ++k) {
-        const long double p = (long double)phase + (long double)w * k;
-        // Error beyond one ulp of the phase, which the block-start phase
+        // The error beyond one ulp of the phase, which the block-start phase
         // carries in its precision.
+        const long double p = (long double)phase + (long double)w * k;
         const long double ulp_p = std::fabs(p) * pick<T>(0x1p-23L, 0x1p-52L);
         worst = std::max({worst, std::fabs(c->data[k] - std::cos(p)) - ulp_p,
                           std::fabs(e->data[2 * k] - std::cos(p)) - ulp_p,
@@ -43,74 +45,66 @@ TYPED_TEST(Tone, MatchesDirectFormula) {
             ASSERT_EQ(c->data[k], T(std::cos(q))) << k;
             ASSERT_EQ(e->data[2 * k + 1], T(std::sin(q))) << k;
         }
+        ASSERT_TRUE(k >= 300 || a->data[k] == c->data[k]) << k;
     }
     // Beyond that: output rounding and the drift of at most 255 rotations.
     EXPECT_LT(double(worst), pick<T>(3e-7, 3e-14));
-}
-
-TYPED_TEST(Tone, KindsAndShapes) {
-    using T = TypeParam;
-    const T ph = T(0.7);
-    // Real cexp is cos; a complex cos has zero imaginary parts; frequency 0
-    // is constant.
-    Rec<T> a, b, z;
-    a->n = b->n = 300;
-    z->n = 3;
-    z->cplx = b->cplx = 1;
-    ASSERT_EQ(DSP(c_cexp)(&a, T(0.01), ph), 0);
-    ASSERT_EQ(DSP(c_cos)(&b, T(0.01), ph), 0);
-    EXPECT_EQ(a->cplx, 0);
-    for (int k = 0; k < 300; ++k) {
-        EXPECT_EQ(b->data[2 * k], a->data[k]);
-        EXPECT_EQ(b->data[2 * k + 1], T(0));
-    }
-    const T c0 = T(std::cos(double(ph))), s0 = T(std::sin(double(ph)));
-    EXPECT_OK(DSP(c_cexp)(&z, T(0), ph), *z, {c0, s0, c0, s0, c0, s0}, 1e-6);
-    // Caller storage is never written: the record gets a block of its own.
-    T buf[4] = {9, 9, 9, 9};
-    Rec<T> w;
-    *w = wrap<T>(buf, 4);
-    EXPECT_OK(DSP(c_line)(&w, T(2), T(1)), *w, {1, 3, 5, 7});
-    EXPECT_EQ(buf[0], T(9));
-    EXPECT_GT(w->alloc, 0);
-    // Empty records: nothing written; a complex cos still ends complex.
-    Rec<T> e;
-    e->cplx = 1;
-    EXPECT_EQ(DSP(c_cos)(&e, T(1), T(0)), 0);
-    EXPECT_EQ(e->cplx, 1);
-    e->n = -3;
-    EXPECT_EQ(DSP(c_line)(&e, T(1), T(0)), 0);
-    // Storage that cannot be had: -1 from each generator.
-    DSP(_lib_alloc)
-    (
-        +[](sig<T> *s) { s->data = nullptr; }, nullptr);
-    Rec<T> f;
-    f->n = 5;
-    f->cplx = 1;
-    EXPECT_EQ(DSP(c_cos)(&f, T(1), T(0)), -1);
-    EXPECT_EQ(DSP(c_cexp)(&f, T(1), T(0)), -1);
-    EXPECT_EQ(DSP(c_line)(&f, T(1), T(0)), -1);
-    DSP(_lib_alloc)(nullptr, nullptr);
+    // Frequency 0: constant cos and sin of the phase; a complex cos has zero
+    // imaginary parts.
+    e->n = 2;
+    const T c0 = T(std::cos(0.7)), s0 = T(std::sin(0.7));
+    EXPECT_OK(DSP(c_cexp)(&e, T(0), T(0.7)), *e, {c0, s0, c0, s0}, 1e-6);
+    EXPECT_OK(DSP(c_cos)(&e, T(0), T(0.7)), *e, {c0, 0, c0, 0}, 1e-6);
 }
 
 TYPED_TEST(Tone, LineAccumulates) {
     using T = TypeParam;
-    const T slope = T(0.1), delta = T(0.3), start = T(-7);
-    Rec<T> r, c;
-    r->n = c->n = 5000;
-    r->delta = c->delta = delta;
-    c->cplx = 1;
-    ASSERT_EQ(DSP(c_line)(&r, slope, start), 0);
-    ASSERT_EQ(DSP(c_line)(&c, slope, start), 0);
-    // Repeated addition, which differs from start + k step in the last bits.
-    T v = start;
+    // Repeated addition of slope delta, which differs from start + k step.
+    const T step = T(0.1) * T(0.3);
+    Rec<T> r;
+    r->n = 5000;
+    r->delta = T(0.3);
+    r->cplx = 1;
+    ASSERT_EQ(DSP(c_line)(&r, T(0.1), T(-7)), 0);
     int differs = 0;
-    for (int k = 0; k < 5000; ++k, v += slope * delta) {
-        ASSERT_EQ(r->data[k], v) << k;
-        ASSERT_EQ(c->data[2 * k], v) << k;
-        ASSERT_EQ(c->data[2 * k + 1], T(0)) << k;
-        differs += v != start + T(k) * (slope * delta);
+    T v = T(-7);
+    for (int k = 0; k < 5000; ++k, v += step) {
+        ASSERT_TRUE(r->data[2 * k] == v && r->data[2 * k + 1] == T(0)) << k;
+        differs += v != T(-7) + T(k) * step;
     }
     EXPECT_GT(differs, 0);
-    EXPECT_OK(DSP(c_line)(&r, T(0), T(4)), *r, std::vector<T>(5000, T(4)));
+}
+
+// Caller storage is never written (the record gets a block of its own),
+// empty records succeed and keep their kind, and storage that cannot be had
+// gives -1.
+TYPED_TEST(Tone, EveryGeneratorOnCallerStorageEmptyAndFailing) {
+    using T = TypeParam;
+    Rec<T> desc({T(4), T(1), T(2)});
+    sig<T> *d = desc.get();
+    const std::function<int(sig<T> *)> ops[] = {
+        [](sig<T> *x) { return DSP(c_cos)(x, T(0.1), T(1)); },
+        [](sig<T> *x) { return DSP(c_cexp)(x, T(0.1), T(1)); },
+        [](sig<T> *x) { return DSP(c_line)(x, T(0.1), T(1)); },
+        [](sig<T> *x) { return DSP(c_fir)(x, 9, T(0), T(0)); },
+        [](sig<T> *x) { return DSP(c_fir2)(x, 101); },
+        [d](sig<T> *x) { return DSP(c_rsmp_cos)(x, d); },
+        [](sig<T> *x) { return DSP(c_rsmp)(x, 3); }};
+    const auto fail = +[](sig<T> *s) { s->data = nullptr; };
+    for (const auto &op : ops) {
+        for (int cplx : {0, 1}) {
+            T buf[16] = {9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 9};
+            Rec<T> w, e, f;
+            *w = wrap<T>(buf, 8, cplx);
+            EXPECT_EQ(op(w.get()), 0);
+            EXPECT_TRUE(std::count(buf, buf + 16, T(9)) == 16 && w->alloc > 0);
+            e->cplx = f->cplx = cplx;
+            EXPECT_EQ(op(e.get()), 0);
+            EXPECT_EQ(e->cplx, cplx);
+            f->n = 8;
+            DSP(_lib_alloc)(fail, nullptr);
+            EXPECT_EQ(op(f.get()), -1);
+            DSP(_lib_alloc)(nullptr, nullptr);
+        }
+    }
 }
