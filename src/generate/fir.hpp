@@ -17,17 +17,17 @@ namespace dsp {
 // Design kinds of fir_design (a and b as listed; "normalised" designs are
 // scaled to unit sum).
 enum : int {
-    FIR_BANDPASS = 0,     // a centre, b bandwidth
-    FIR_BANDSTOP = 1,     // a centre, b bandwidth; odd n only
-    FIR_HIGHPASS = 2,     // a cut-off; odd n only
-    FIR_LOWPASS = 3,      // a cut-off
-    FIR_SINH_KERNEL = 4,  // a shape (0: default per length); normalised
-    FIR_DELAYED = 5,      // a cut-off, b delay in samples; normalised
-    FIR_DIFFERENTIATOR = 6,
-    FIR_GAUSSIAN = 7,  // a bandwidth; normalised
-    FIR_QUADRATURE = 8,
-    FIR_KAISER_KERNEL = 9,  // a shape (0: default per length); normalised
-    FIR_RAMP = 10,
+    FIR_BANDPASS = 0,        // a centre, b bandwidth
+    FIR_BANDSTOP = 1,        // a centre, b bandwidth; odd n only
+    FIR_HIGHPASS = 2,        // a cut-off; odd n only
+    FIR_LOWPASS = 3,         // a cut-off
+    FIR_SINH_KERNEL = 4,     // a shape (0: default per length); normalised
+    FIR_DELAYED = 5,         // a cut-off, b delay in samples; normalised
+    FIR_DIFFERENTIATOR = 6,  // a cut-off; antisymmetric
+    FIR_GAUSSIAN = 7,        // a bandwidth; normalised
+    FIR_QUADRATURE = 8,      // a cut-off; antisymmetric
+    FIR_KAISER_KERNEL = 9,   // a shape (0: default per length); normalised
+    FIR_RAMP = 10,           // a cut-off; |f|-weighted low-pass
 };
 
 // Fills h (its n, and cplx, set by the caller) with the n coefficients of the
