@@ -7,6 +7,7 @@
 #include <cmath>
 #include <complex>
 #include <initializer_list>
+#include <random>
 #include <type_traits>
 #include <vector>
 
@@ -108,6 +109,25 @@ std::vector<T> applied(const std::vector<T> &v, bool cplx, F f, T delta = T(1), 
     r.set(v, cplx, delta);
     EXPECT_EQ(f(r.get()), rc);
     return r.values();
+}
+
+// `count` pseudo-random scalars in [-1, 1), rounded to T.
+template <class T>
+std::vector<T> random_values(size_t count, unsigned seed) {
+    std::mt19937 gen(seed);
+    std::uniform_real_distribution<double> u(-1.0, 1.0);
+    std::vector<T> v(count);
+    for (T &x : v) x = T(u(gen));
+    return v;
+}
+
+// The points of scalars v (complex when cplx) in long double.
+template <class T>
+std::vector<std::complex<long double>> as_points(const std::vector<T> &v, bool cplx) {
+    std::vector<std::complex<long double>> p(cplx ? v.size() / 2 : v.size());
+    for (size_t i = 0; i < p.size(); ++i)
+        p[i] = cplx ? std::complex<long double>(v[2 * i], v[2 * i + 1]) : v[i];
+    return p;
 }
 
 // Relative tolerance suited to the precision: a few units in the last place.
