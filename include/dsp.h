@@ -614,6 +614,32 @@ DSP_API int dspfbs_dot(const dspf_signal *a, const dspf_signal *b, dspf_signal *
 DSP_API int dspbs_dot(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
 
 /* ------------------------------------------------------------------------
+ * Correlation
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Cross-correlation through the FFT: r[k] = sum_i x[i+k] conj(y[i]) for the
+ * lags k = 0 .. lags-1, the linear correlation (x counts as zero beyond its
+ * end; equal to numpy.correlate(x, y, "full") at index n-1+k). x and y need
+ * the same n, and 1 <= lags <= n (else -1, r untouched). Both are zero-padded
+ * to the power of two of at least n + lags - 1 points, so that no lag
+ * receives wrap-around. r (which may be x or y) gets `lags` points, complex
+ * if either input is, delta the mean of the inputs' deltas. `scratch` is a
+ * working record the caller keeps between calls so that repeated calls
+ * allocate nothing; null, or one sharing storage with x, y or r, makes the
+ * call use a temporary record. A nonzero `option` halves the result.
+ */
+DSP_API int dspfh_corr(const dspf_signal *x, const dspf_signal *y, dspf_signal *r,
+                       dspf_signal *scratch, int lags, int option);
+DSP_API int dsph_corr(const dsp_signal *x, const dsp_signal *y, dsp_signal *r,
+                      dsp_signal *scratch, int lags, int option);
+/* dspfh_corr with option 0. */
+DSP_API int dspfb_corr(const dspf_signal *x, const dspf_signal *y, dspf_signal *r,
+                       dspf_signal *scratch, int lags);
+DSP_API int dspb_corr(const dsp_signal *x, const dsp_signal *y, dsp_signal *r, dsp_signal *scratch,
+                      int lags);
+
+/* ------------------------------------------------------------------------
  * FIR filtering
  * ------------------------------------------------------------------------ */
 
