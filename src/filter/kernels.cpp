@@ -2,6 +2,8 @@
 // FMA copy chosen at run time when the library was built with it.
 #include "filter/kernels.hpp"
 
+#include "frame/cpu.hpp"
+
 #if defined(__GNUC__) || defined(__clang__)
 #define DSP_FILTER_VECTORS 1
 #else
@@ -26,16 +28,6 @@ void symmetric(const double *, const double *, int64_t, bool, int, double *, int
 void multiply(float *, const float *, int64_t);
 void multiply(double *, const double *, int64_t);
 }  // namespace avx2
-
-namespace {
-bool have_avx2() {
-    static const bool yes = [] {
-        __builtin_cpu_init();
-        return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
-    }();
-    return yes;
-}
-}  // namespace
 #endif
 
 // 1: the AVX2 loops where the processor has them; 0: the build's vectors
@@ -45,7 +37,7 @@ int level = 1;
 int select_kernels(int max_level) {
     level = max_level;
 #if DSP_FILTER_AVX2
-    if (have_avx2()) return max_level < 1 ? max_level : 1;
+    if (have_avx2_fma()) return max_level < 1 ? max_level : 1;
 #endif
     return 0;
 }
@@ -53,7 +45,7 @@ int select_kernels(int max_level) {
 template <class T>
 void direct(const T *src, const T *h, int hs, int64_t m, int s, T *out, int64_t count, bool add) {
 #if DSP_FILTER_AVX2
-    if (level > 0 && have_avx2()) return avx2::direct(src, h, hs, m, s, out, count, add);
+    if (level > 0 && have_avx2_fma()) return avx2::direct(src, h, hs, m, s, out, count, add);
 #endif
     base::direct(src, h, hs, m, s, out, count, add);
 }
@@ -61,7 +53,7 @@ void direct(const T *src, const T *h, int hs, int64_t m, int s, T *out, int64_t 
 template <class T>
 void symmetric(const T *src, const T *c, int64_t M, bool antisym, int s, T *out, int64_t count) {
 #if DSP_FILTER_AVX2
-    if (level > 0 && have_avx2()) return avx2::symmetric(src, c, M, antisym, s, out, count);
+    if (level > 0 && have_avx2_fma()) return avx2::symmetric(src, c, M, antisym, s, out, count);
 #endif
     base::symmetric(src, c, M, antisym, s, out, count);
 }
@@ -69,7 +61,7 @@ void symmetric(const T *src, const T *c, int64_t M, bool antisym, int s, T *out,
 template <class T>
 void multiply(T *a, const T *b, int64_t points) {
 #if DSP_FILTER_AVX2
-    if (level > 0 && have_avx2()) return avx2::multiply(a, b, points);
+    if (level > 0 && have_avx2_fma()) return avx2::multiply(a, b, points);
 #endif
     base::multiply(a, b, points);
 }
