@@ -13,24 +13,22 @@ TYPED_TEST_SUITE(Corr, Precisions);
 
 TYPED_TEST(Corr, LagsOfTheLinearCorrelation) {
     using T = TypeParam;
-    struct Case {
-        int n, lags, xc, yc;
-        std::vector<T> x, y;
+    // Every case in turn: n, lags, the kinds of x and y and their scalars.
+    auto each = [](auto f) {
+        unsigned seed = 0;
+        for (int n : {1, 2, 3, 4, 5, 17, 64, 100})
+            for (int lags : {1, (n + 1) / 2, n})
+                for (int xc = 0; xc < 2; ++xc)
+                    for (int yc = 0; yc < 2; ++yc, seed += 2)
+                        f(n, lags, xc, yc, random_values<T>((1 + xc) * n, seed),
+                          random_values<T>((1 + yc) * n, seed + 1));
     };
-    std::vector<Case> cases;
     std::vector<double> in;
-    unsigned seed = 0;
-    for (int n : {1, 2, 3, 4, 5, 17, 64, 100})
-        for (int lags : {1, (n + 1) / 2, n})
-            for (int kinds = 0; kinds < 4; ++kinds) {
-                Case c{n, lags, kinds & 1, kinds >> 1, {}, {}};
-                c.x = random_values<T>(c.xc ? 2 * n : n, ++seed);
-                c.y = random_values<T>(c.yc ? 2 * n : n, ++seed);
-                in.insert(in.end(), {double(n), double(lags), double(c.xc), double(c.yc)});
-                in.insert(in.end(), c.x.begin(), c.x.end());
-                in.insert(in.end(), c.y.begin(), c.y.end());
-                cases.push_back(c);
-            }
+    each([&](int n, int lags, int xc, int yc, const auto &x, const auto &y) {
+        in.insert(in.end(), {double(n), double(lags), double(xc), double(yc)});
+        in.insert(in.end(), x.begin(), x.end());
+        in.insert(in.end(), y.begin(), y.end());
+    });
     const auto want = python(
         "i, out = 0, []\n"
         "while i < len(x):\n"
@@ -48,22 +46,19 @@ TYPED_TEST(Corr, LagsOfTheLinearCorrelation) {
     size_t at = 0;
     int k = 0;
     Rec<T> scratch;
-    for (const Case &c : cases) {
-        Rec<T> x(c.x, c.xc, T(1)), y(c.y, c.yc, T(3)), r;
-        const int arrangement = k % 4, option = k++ % 2;
+    each([&](int n, int lags, int xc, int yc, const auto &xv, const auto &yv) {
+        Rec<T> x(xv, xc, T(1)), y(yv, yc, T(3)), r;
+        const int arrangement = k % 4, option = k++ % 2, c = xc || yc ? 2 : 1;
         Rec<T> &res = arrangement == 1 ? x : arrangement == 2 ? y : r;
         auto *s = arrangement == 0 ? scratch.get() : arrangement == 3 ? r.get() : nullptr;
-        if (arrangement == 2) s = x.get();
-        ASSERT_EQ(DSP(h_corr)(&x, &y, &res, s, c.lags, option), 0);
-        const bool cplx = c.xc || c.yc;
-        ASSERT_TRUE(res->n == c.lags && res->cplx == cplx && res->delta == T(2));
-        for (int i = 0; i < c.lags; ++i)
-            for (int p = 0; p < (cplx ? 2 : 1); ++p)
-                EXPECT_NEAR(res->data[i * (cplx ? 2 : 1) + p],
-                            want.at(at + 2 * i + p) * (option ? 0.5 : 1), ulps<T>(4) * c.n)
-                    << c.n << " " << c.lags << " " << c.xc << c.yc << " lag " << i;
-        at += 2 * c.lags;
-    }
+        ASSERT_EQ(DSP(h_corr)(&x, &y, &res, arrangement == 2 ? x.get() : s, lags, option), 0);
+        ASSERT_TRUE(res->n == lags && res->cplx == (c == 2) && res->delta == T(2));
+        for (int i = 0; i < c * lags; ++i)
+            EXPECT_NEAR(res->data[i], want.at(at + 2 * (i / c) + i % c) * (option ? 0.5 : 1),
+                        ulps<T>(4) * n)
+                << n << " " << lags << " " << xc << yc << " scalar " << i;
+        at += 2 * lags;
+    });
     EXPECT_EQ(at, want.size());
     // The two-record form is option 0; unequal lengths or a lag count outside
     // 1 .. n give -1 and leave r untouched.
