@@ -183,19 +183,27 @@ int filter_spectrum(const signal_t<T> &h, int64_t L, bool complex_block,
     return 0;
 }
 
-template <class T>
-int convolve_fft(const signal_t<T> &x, signal_t<T> &y, const signal_t<T> &h, const T *hist) {
-    const int64_t n = x.n, m = h.n, m1 = m - 1;
-    const bool cx = x.cplx != 0;
-    const int s = cx ? 2 : 1;
-    // Transform length: the whole linear convolution when the filter is long
-    // against the block (m^2 > 9 n log2 n), else the block rounded up.
+// Transform length of the FFT path: the whole linear convolution when the
+// filter is long against the block (m^2 > 9 n log2 n), else the block
+// rounded up to a power of two.
+int64_t transform_length(int64_t n, int64_t m) {
     int64_t bits = 0;
     for (int64_t p = 1; p < n; p *= 2) ++bits;
-    const int64_t span = m * m > 9 * n * bits ? n + m1 : n;
+    const int64_t span = m * m > 9 * n * bits ? n + m - 1 : n;
     int64_t L = 1;
     while (L < span) L *= 2;
-    if (L > (int64_t(1) << 30)) return -1;
+    return L;
+}
+
+// Blocks whose transform would not fit a record go direct.
+constexpr int64_t max_transform = int64_t(1) << 29;
+
+template <class T>
+int convolve_fft(const signal_t<T> &x, signal_t<T> &y, const signal_t<T> &h, const T *hist,
+                 int64_t L) {
+    const int64_t n = x.n, m1 = h.n - 1;
+    const bool cx = x.cplx != 0;
+    const int s = cx ? 2 : 1;
     const signal_t<T> *spectrum = nullptr;
     if (filter_spectrum<T>(h, L, cx, spectrum) != 0) return -1;
 
@@ -240,8 +248,9 @@ int fir(const signal_t<T> &x, signal_t<T> &y, const signal_t<T> &h, signal_t<T> 
     signal_t<T> *r = &y, *hist = history;
     if (prepare_result<T>(x, &r, &h, &hist, int(m1), PREP_INPLACE) != 0) return -1;
     const T *past = hist ? hist->data : nullptr;
-    const bool direct = h.cplx || n < m1 || m < (x.cplx ? 36 : 46);
-    if ((direct ? convolve_direct<T>(x, *r, h, past) : convolve_fft<T>(x, *r, h, past)) != 0)
+    const int64_t L = transform_length(n, m);
+    const bool direct = h.cplx || n < m1 || m < (x.cplx ? 36 : 46) || L > max_transform;
+    if ((direct ? convolve_direct<T>(x, *r, h, past) : convolve_fft<T>(x, *r, h, past, L)) != 0)
         return -1;
     if (hist) carry_history(*hist, x.data, n, m1, s);
     return finish_result<T>(*r);
