@@ -790,6 +790,41 @@ DSP_API uint32_t set_fpscr(uint32_t value);
  * new value. */
 DSP_API uint32_t set_runfast(int on);
 
+/* ------------------------------------------------------------------------
+ * Calibration and circle fit
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Complex values are interleaved (re, im) doubles (floats for
+ * vfps_CircleFit); matrices are row-major.
+ */
+/* c = a b for a of rows x inner and b of inner x cols elements. Returns
+ * rows * cols, or -1 when inner > rows (inner * inner > rows * inner: such
+ * products are refused), for a negative size or when memory runs out.
+ * c may be a or b. */
+DSP_API int MatrixMult(const double *a, const double *b, double *c, int rows, int inner,
+                       int cols);
+/* m (n x n) replaced by its inverse (Gauss-Jordan, partial pivoting):
+ * 1, or 0 with m unchanged when a pivot's modulus is below
+ * 2.220446049250313e-12 (singular), n < 0 or memory runs out. */
+DSP_API int invert(double *m, int n);
+/* One-port error terms at the points [first, end). m1, m2, m3 hold the
+ * measured reflections of three standards whose actual reflections are
+ * g1, g2, g3, and receive the directivity e00, the source match e11 and the
+ * reflection tracking e01 e10 of the model M = e00 + e01 e10 G / (1 - e11 G).
+ * Singular standards are not reported. Returns 0, or -1 with the arrays
+ * untouched when memory runs out. */
+DSP_API int Compute1PortTerms(double *m1, double *m2, double *m3, const double *g1,
+                              const double *g2, const double *g3, int first, int end);
+/* centre[i] = centre of the circle through a[i], b[i], c[i], d[i] for i in
+ * [first, end): the perpendicular bisectors of the two chords closest to
+ * perpendicular are intersected through their slopes (chords parallel to an
+ * axis give infinities or NaN); chords less than 10 degrees apart give d[i]. */
+DSP_API void vfps_CircleFit(const float *a, const float *b, const float *c, const float *d,
+                            float *centre, int first, int end);
+DSP_API void vfpd_CircleFit(const double *a, const double *b, const double *c, const double *d,
+                            double *centre, int first, int end);
+
 #ifdef __cplusplus
 }
 #endif
