@@ -717,6 +717,15 @@ DSP_API void vfpsb_ScaleToInt(const float *src, int n, float lo, float hi, int *
                               int ihi);
 DSP_API void vfpdb_ScaleToInt(const double *src, int n, double lo, double hi, int *dst, int ilo,
                               int ihi);
+/* dst[i] = ilo + k (src[i] - lo) as for vfpsb_ScaleToInt, rounded to the
+ * nearest int (ties to even, whatever the rounding mode; numpy.rint) and
+ * clamped to [min(ilo, ihi), max(ilo, ihi)]; NaN gives ilo. Returns 0, or
+ * -1 with nothing written when lo or hi is not finite or k is not (lo = hi,
+ * or a range so narrow that k overflows). */
+DSP_API int vfpsb_ScaleToInt2(const float *src, int n, float lo, float hi, int *dst, int ilo,
+                              int ihi);
+DSP_API int vfpdb_ScaleToInt2(const double *src, int n, double lo, double hi, int *dst, int ilo,
+                              int ihi);
 /* dst[i] = olo + k (src[i] - lo), k = (ohi - olo) / (hi - lo); dst may be src. */
 DSP_API void vfpsb_ScaleToFP(const float *src, int n, float lo, float hi, float *dst, float olo,
                              float ohi);

@@ -17,6 +17,12 @@ void vfpsb_ScaleToInt(const float *src, int n, float lo, float hi, int *dst, int
 void vfpdb_ScaleToInt(const double *src, int n, double lo, double hi, int *dst, int ilo, int ihi) {
     scale_to_int<double>(src, n, lo, hi, dst, ilo, ihi);
 }
+int vfpsb_ScaleToInt2(const float *src, int n, float lo, float hi, int *dst, int ilo, int ihi) {
+    return scale_to_int_rounded<float>(src, n, lo, hi, dst, ilo, ihi);
+}
+int vfpdb_ScaleToInt2(const double *src, int n, double lo, double hi, int *dst, int ilo, int ihi) {
+    return scale_to_int_rounded<double>(src, n, lo, hi, dst, ilo, ihi);
+}
 void vfpsb_ScaleToFP(const float *src, int n, float lo, float hi, float *dst, float olo,
                      float ohi) {
     scale_to_fp<float>(src, n, lo, hi, dst, olo, ohi);

@@ -21,6 +21,11 @@ void mul_vector(T k, T *x, int n);
 // truncated toward zero; beyond the int range it saturates, NaN gives 0.
 template <class T>
 void scale_to_int(const T *src, int n, T lo, T hi, int32_t *dst, int32_t ilo, int32_t ihi);
+// As scale_to_int, rounded to nearest (ties to even) and clamped to
+// [min(ilo, ihi), max(ilo, ihi)]; NaN gives ilo. -1 (nothing written) when
+// lo, hi or k is not finite.
+template <class T>
+int scale_to_int_rounded(const T *src, int n, T lo, T hi, int32_t *dst, int32_t ilo, int32_t ihi);
 // dst[i] = olo + k (src[i] - lo), k = (ohi - olo) / (hi - lo); dst may be src.
 template <class T>
 void scale_to_fp(const T *src, int n, T lo, T hi, T *dst, T olo, T ohi);

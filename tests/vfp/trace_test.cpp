@@ -4,6 +4,7 @@
 #include <complex>
 #include <limits>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "support/python.hpp"
@@ -56,6 +57,44 @@ TYPED_TEST(Trace, MultiplyAndScale) {
     std::vector<T> x = {-50, 10, -20, 40};
     VFPB(_ScaleToFP)(x.data(), 3, -50, 10, x.data(), 1, 4);
     expect_values<T>(wrap(x.data(), 4), {1, 4, T(2.5), 40}, 4 * ulps<T>());
+}
+
+TYPED_TEST(Trace, ScaleToIntRoundedMatchesNumpy) {
+    using T = TypeParam;
+    // Per case lo, hi, ilo, ihi: random values a fifth beyond the range on
+    // both sides and values on ties; numpy rounds and clips in the same
+    // precision (the clip in double, where the int range is exact).
+    const std::vector<double> cases = {-1.5, 1.5, 480, 0, 0,         10,
+                                       -5,   5,   -1,  1, INT32_MIN, INT32_MAX};
+    std::vector<double> in = cases;
+    std::vector<T> x = uniform<T>(30, 6);
+    for (T v : {-0.6, -0.1, 0.0, 0.5, 1.0, 1.5, 2.5, 3.5, 1e-8}) x.push_back(v);
+    in.insert(in.end(), x.begin(), x.end());
+    const auto ref = python(std::string("t = np.float") + (sizeof(T) == 4 ? "32" : "64") + R"(
+v = x[12:].astype(t)
+for lo, hi, a, b in x[:12].reshape(-1, 4):
+    k = (t(b) - t(a)) / (t(hi) - t(lo))
+    print(*np.clip(np.rint(t(a) + k * (v - t(lo))).astype(float), min(a, b), max(a, b)))
+)",
+                            in);
+    std::vector<int> dst(x.size() + 1, 77);
+    for (size_t c = 0; c < cases.size(); c += 4) {
+        const T lo = T(cases[c]), hi = T(cases[c + 1]);
+        const int ilo = int(cases[c + 2]), ihi = int(cases[c + 3]);
+        ASSERT_EQ(VFPB(_ScaleToInt2)(x.data(), int(x.size()), lo, hi, dst.data(), ilo, ihi), 0);
+        for (size_t i = 0; i < x.size(); ++i)
+            EXPECT_EQ(dst[i], ref[c / 4 * x.size() + i]) << c << " " << i;
+        EXPECT_EQ(dst.back(), 77);
+    }
+    // NaN gives ilo; no scale (equal or infinite bounds, an overflowing
+    // factor) gives -1 with nothing written.
+    const T nan = std::numeric_limits<T>::quiet_NaN(), inf = std::numeric_limits<T>::infinity();
+    EXPECT_EQ(VFPB(_ScaleToInt2)(&nan, 1, 0, 1, dst.data(), 9, 3), 0);
+    EXPECT_EQ(dst[0], 9);
+    for (auto [lo, hi] :
+         {std::pair<T, T>{1, 1}, {0, inf}, {-inf, 0}, {nan, 1}, {0, pick<T>(1e-38f, 1e-308)}})
+        EXPECT_EQ(VFPB(_ScaleToInt2)(x.data(), 3, lo, hi, dst.data() + 1, 0, INT32_MAX), -1);
+    EXPECT_EQ(dst[1], int(ref[2 * x.size() + 1]));  // the last case's, kept
 }
 
 TYPED_TEST(Trace, Extremes) {
