@@ -834,6 +834,25 @@ DSP_API void vfps_CircleFit(const float *a, const float *b, const float *c, cons
 DSP_API void vfpd_CircleFit(const double *a, const double *b, const double *c, const double *d,
                             double *centre, int first, int end);
 
+/*
+ * Complex reflections `refl` (n points) at the strictly increasing
+ * frequencies `freq` interpolated at the m frequencies `at` (any order,
+ * within [freq[0], freq[n-1]]) into `result` (m points). At a data
+ * frequency the result is that point. Between freq[k] and freq[k+1], with
+ * t = (x - freq[k]) / (freq[k+1] - freq[k]), it lies on the circle through
+ * the three points from j = min(max(k - 1, 0), n - 3) (the interval's ends
+ * and the point before it; after it for the first interval): refl[k]
+ * rotated about the centre by t times the angle from refl[k] to refl[k+1],
+ * taken in the sense in which the three points run round the circle.
+ * Linear, refl[k] + t (refl[k+1] - refl[k]), for n = 2 or collinear points
+ * (|cross(q1 - q0, q2 - q0)| <= 1e-12 |q1 - q0| |q2 - q0|). Returns 0, or
+ * -1 with result untouched for n < 1, m < 0, frequencies not strictly
+ * increasing, a query outside the range or NaN, or no memory for the
+ * scratch copy taken when result overlaps an input (which it may).
+ */
+DSP_API int CircularInterpolation(const double *freq, const double *refl, int n, const double *at,
+                                  double *result, int m);
+
 #ifdef __cplusplus
 }
 #endif

@@ -26,4 +26,10 @@ int compute_1port_terms(double *m1, double *m2, double *m3, const double *g1, co
 template <class T>
 void circle_fit(const T *a, const T *b, const T *c, const T *d, T *centre, int first, int end);
 
+// Complex reflections g at n increasing frequencies f interpolated at the
+// m frequencies at[] into out, along the circle through three neighbouring
+// points (linearly where they are collinear). 0, or -1 (out untouched).
+int circular_interpolation(const double *f, const double *g, int n, const double *at, double *out,
+                           int m);
+
 }  // namespace dsp::calib

@@ -22,4 +22,8 @@ void vfpd_CircleFit(const double *a, const double *b, const double *c, const dou
                     double *centre, int first, int end) {
     circle_fit<double>(a, b, c, d, centre, first, end);
 }
+int CircularInterpolation(const double *freq, const double *refl, int n, const double *at,
+                          double *result, int m) {
+    return circular_interpolation(freq, refl, n, at, result, m);
+}
 }
