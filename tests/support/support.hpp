@@ -7,6 +7,7 @@
 #include <cmath>
 #include <complex>
 #include <initializer_list>
+#include <random>
 #include <type_traits>
 #include <vector>
 
@@ -112,6 +113,16 @@ std::vector<T> applied(const std::vector<T> &v, bool cplx, F f, T delta = T(1), 
     r.set(v, cplx, delta);
     EXPECT_EQ(f(r.get()), rc);
     return r.values();
+}
+
+// count values drawn uniformly from [lo, hi) with a fixed seed.
+template <class T = double>
+std::vector<T> uniform(size_t count, unsigned seed, double lo = -1, double hi = 1) {
+    std::mt19937 gen(seed);
+    std::uniform_real_distribution<double> u(lo, hi);
+    std::vector<T> v(count);
+    for (T &x : v) x = T(u(gen));
+    return v;
 }
 
 // Relative tolerance suited to the precision: a few units in the last place.

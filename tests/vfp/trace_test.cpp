@@ -12,19 +12,6 @@
 
 using namespace dsp_test;
 
-namespace {
-
-template <class T>
-std::vector<T> uniform(size_t count, unsigned seed) {
-    std::mt19937 gen(seed);
-    std::uniform_real_distribution<double> u(-1, 1);
-    std::vector<T> v(count);
-    for (T &x : v) x = T(u(gen));
-    return v;
-}
-
-}  // namespace
-
 template <class T>
 class Trace : public ::testing::Test {};
 TYPED_TEST_SUITE(Trace, Precisions);
