@@ -48,9 +48,10 @@ TYPED_TEST(Trace, MultiplyAndScale) {
 
 TYPED_TEST(Trace, ScaleToIntRoundedMatchesNumpy) {
     using T = TypeParam;
-    // Per case lo, hi, ilo, ihi: random values a fifth beyond the range on
-    // both sides and values on ties; numpy rounds and clips in the same
-    // precision (the clip in double, where the int range is exact).
+    // Per case lo, hi, ilo, ihi: random values in [-1, 1), values on ties
+    // and values beyond the range (clamped at 0, -5 and INT32_MAX); numpy
+    // rounds in the same precision and clips in double (the int range is
+    // exact there).
     const std::vector<double> cases = {-1.5, 1.5, 480, 0, 0,         10,
                                        -5,   5,   -1,  1, INT32_MIN, INT32_MAX};
     std::vector<double> in = cases;
