@@ -862,6 +862,166 @@ DSP_API int dsps_hist(const dsp_signal *in, dsp_signal *out, double low, double 
 DSP_API int dspfs_peak(const dspf_signal *in, dspf_signal *out, int flags, int index);
 DSP_API int dsps_peak(const dsp_signal *in, dsp_signal *out, int flags, int index);
 
+/* ------------------------------------------------------------------------
+ * Trace kernels
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Raw arrays and counts instead of records: complex arrays hold interleaved
+ * re, im pairs, ranges are half-open [start, end). No status unless stated;
+ * the arguments are trusted (no null or range checks beyond those stated).
+ */
+/* x[i] *= k for i in [0, n); nothing for n < 1. */
+DSP_API void vfpsbMul1(float k, float *x, int n);
+DSP_API void vfpdbMul1(double k, double *x, int n);
+/* The same result; the first n mod 16 values one by one, the rest 16 at a
+ * time, in the VFP short-vector mode on ARM cores that have it (the LEN
+ * field of FPSCR is 0 afterwards). */
+DSP_API void vfpsbMul2(float k, float *x, int n);
+DSP_API void vfpdbMul2(double k, double *x, int n);
+/* dst[i] = ilo + k (src[i] - lo), k = (ihi - ilo) / (hi - lo), in the
+ * working precision, truncated toward zero to an int (beyond the int range
+ * the nearest int, NaN 0). */
+DSP_API void vfpsb_ScaleToInt(const float *src, int n, float lo, float hi, int *dst, int ilo,
+                              int ihi);
+DSP_API void vfpdb_ScaleToInt(const double *src, int n, double lo, double hi, int *dst, int ilo,
+                              int ihi);
+/* dst[i] = ilo + k (src[i] - lo) as for vfpsb_ScaleToInt, rounded to the
+ * nearest int (ties to even, whatever the rounding mode; numpy.rint) and
+ * clamped to [min(ilo, ihi), max(ilo, ihi)]; NaN gives ilo. Returns 0, or
+ * -1 with nothing written when lo or hi is not finite or k is not (lo = hi,
+ * or a range so narrow that k overflows). */
+DSP_API int vfpsb_ScaleToInt2(const float *src, int n, float lo, float hi, int *dst, int ilo,
+                              int ihi);
+DSP_API int vfpdb_ScaleToInt2(const double *src, int n, double lo, double hi, int *dst, int ilo,
+                              int ihi);
+/* dst[i] = olo + k (src[i] - lo), k = (ohi - olo) / (hi - lo); dst may be src. */
+DSP_API void vfpsb_ScaleToFP(const float *src, int n, float lo, float hi, float *dst, float olo,
+                             float ohi);
+DSP_API void vfpdb_ScaleToFP(const double *src, int n, double lo, double hi, double *dst,
+                             double olo, double ohi);
+/* Index of the largest value in [start, end), the first of equal ones;
+ * start when start + 1 >= end. */
+DSP_API int vfps_FindMax(const float *x, int start, int end);
+DSP_API int vfpd_FindMax(const double *x, int start, int end);
+/* Index of the smallest of x[start+1] .. x[end-1], starting from the
+ * largest finite value with index start: x[start] itself never wins unless
+ * every later value is at least that large. start when start + 1 >= end. */
+DSP_API int vfps_FindMin(const float *x, int start, int end);
+DSP_API int vfpd_FindMin(const double *x, int start, int end);
+/* Index of the largest / smallest value in [start, end) outside
+ * [skip_start, skip_end), the first of equal ones; -1 when start lies in the
+ * skipped range and skip_end >= end. */
+DSP_API int vfps_FindMax2(const float *x, int start, int end, int skip_start, int skip_end);
+DSP_API int vfpd_FindMax2(const double *x, int start, int end, int skip_start, int skip_end);
+DSP_API int vfps_FindMin2(const float *x, int start, int end, int skip_start, int skip_end);
+DSP_API int vfpd_FindMin2(const double *x, int start, int end, int skip_start, int skip_end);
+/* x[0] = a, x[n-1] = b, x[i] = a + i (b - a) / (n - 1) between; nothing
+ * for n < 1. */
+DSP_API void vfps_ExpandLinear(float *x, int n, float a, float b);
+DSP_API void vfpd_ExpandLinear(double *x, int n, double a, double b);
+/* x[0] = a, x[n-1] = b, x[i] = 10^(la + i (lb - la) / (n - 1)) between,
+ * la = log10 a, lb = log10 b in double; nothing for n <= 0, a <= 0 or b <= 0. */
+DSP_API void vfps_ExpandLog(float *x, int n, float a, float b);
+DSP_API void vfpd_ExpandLog(double *x, int n, double a, double b);
+/* Moving average of odd width over the outputs [first, end) of an array of
+ * n values; the window shrinks symmetrically near the ends of the array and
+ * the walk stops where it would reach past end - 1. phase != 0: radians,
+ * each window unwrapped and its mean brought into [-pi, pi]. Returns the
+ * number of outputs written (0 for first = end), or -1 for a bad range
+ * (also end > n) or a width below 3 or even. out may be in. */
+DSP_API int vfps_Smooth(const float *in, float *out, int n, int first, int end, int width,
+                        int phase);
+DSP_API int vfpd_Smooth(const double *in, double *out, int n, int first, int end, int width,
+                        int phase);
+/* The same on n complex points: mean magnitude A and mean phase P (not
+ * unwrapped) of each window give (A cos P, A sin P). */
+DSP_API int vfps_SmoothCpx(const float *in, float *out, int n, int first, int end, int width);
+DSP_API int vfpd_SmoothCpx(const double *in, double *out, int n, int first, int end, int width);
+/* out[i] = phase of complex point i for i in [start, end), moved by one
+ * 2 pi step wherever it jumps by more than pi from out[i-1]; for start >= 2
+ * the wrap count continues from out[0] .. out[start-1]. out may be in. */
+DSP_API void vfps_UnwrapPhase(const float *in, int start, int end, float *out);
+DSP_API void vfpd_UnwrapPhase(const double *in, int start, int end, double *out);
+/* out[i] for complex point i in [start, end), q = re^2 + im^2: format 0
+ * 10 log10 q, 1 sqrt q, 2 phase in degrees, 3 standing-wave ratio
+ * (1 + r) / (1 - r) with r = sqrt q (1e6 for r > 0.999998), 4 return loss
+ * -10 log10 q; other formats write nothing. out may be in. */
+DSP_API void vfps_FormatBuffer(int format, const float *in, float *out, int start, int end);
+DSP_API void vfpd_FormatBuffer(int format, const double *in, double *out, int start, int end);
+
+/* ------------------------------------------------------------------------
+ * Floating-point control
+ * ------------------------------------------------------------------------ */
+
+/*
+ * The calling thread's floating-point status and control word in the ARM
+ * FPSCR layout: bit 24 FZ (flush-to-zero), bit 25 DN (default NaN), bits
+ * 22-23 rounding mode, exception flags and trap enables. On 32-bit ARM it
+ * is the FPSCR itself; other processors map it onto their own control
+ * registers (see the README).
+ */
+DSP_API uint32_t get_fpscr(void);
+/* Writes the whole word; returns the value it held before. */
+DSP_API uint32_t set_fpscr(uint32_t value);
+/* on != 0 sets FZ and DN, 0 clears them; no other bit changes. Returns the
+ * new value. */
+DSP_API uint32_t set_runfast(int on);
+
+/* ------------------------------------------------------------------------
+ * Calibration and circle fit
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Complex values are interleaved (re, im) doubles (floats for
+ * vfps_CircleFit); matrices are row-major.
+ */
+/* c = a b for a of rows x inner and b of inner x cols elements. Returns
+ * rows * cols, or -1 when inner > rows (inner * inner > rows * inner: such
+ * products are refused), for a negative size or when memory runs out.
+ * c may be a or b. */
+DSP_API int MatrixMult(const double *a, const double *b, double *c, int rows, int inner,
+                       int cols);
+/* m (n x n) replaced by its inverse (Gauss-Jordan, partial pivoting):
+ * 1, or 0 with m unchanged when a pivot's modulus is below
+ * 2.220446049250313e-12 (singular), n < 0 or memory runs out. */
+DSP_API int invert(double *m, int n);
+/* One-port error terms at the points [first, end). m1, m2, m3 hold the
+ * measured reflections of three standards whose actual reflections are
+ * g1, g2, g3, and receive the directivity e00, the source match e11 and the
+ * reflection tracking e01 e10 of the model M = e00 + e01 e10 G / (1 - e11 G).
+ * Singular standards are not reported. Returns 0, or -1 with the arrays
+ * untouched when memory runs out. */
+DSP_API int Compute1PortTerms(double *m1, double *m2, double *m3, const double *g1,
+                              const double *g2, const double *g3, int first, int end);
+/* centre[i] = centre of the circle through a[i], b[i], c[i], d[i] for i in
+ * [first, end): the perpendicular bisectors of the two chords closest to
+ * perpendicular are intersected through their slopes (chords parallel to an
+ * axis give infinities or NaN); chords less than 10 degrees apart give d[i]. */
+DSP_API void vfps_CircleFit(const float *a, const float *b, const float *c, const float *d,
+                            float *centre, int first, int end);
+DSP_API void vfpd_CircleFit(const double *a, const double *b, const double *c, const double *d,
+                            double *centre, int first, int end);
+
+/*
+ * Complex reflections `refl` (n points) at the strictly increasing
+ * frequencies `freq` interpolated at the m frequencies `at` (any order,
+ * within [freq[0], freq[n-1]]) into `result` (m points). At a data
+ * frequency the result is that point. Between freq[k] and freq[k+1], with
+ * t = (x - freq[k]) / (freq[k+1] - freq[k]), it lies on the circle through
+ * the three points from j = min(max(k - 1, 0), n - 3) (the interval's ends
+ * and the point before it; after it for the first interval): refl[k]
+ * rotated about the centre by t times the angle from refl[k] to refl[k+1],
+ * taken in the sense in which the three points run round the circle.
+ * Linear, refl[k] + t (refl[k+1] - refl[k]), for n = 2 or collinear points
+ * (|cross(q1 - q0, q2 - q0)| <= 1e-12 |q1 - q0| |q2 - q0|). Returns 0, or
+ * -1 with result untouched for n < 1, m < 0, frequencies not strictly
+ * increasing, a query outside the range or NaN, or no memory for the
+ * scratch copy taken when result overlaps an input (which it may).
+ */
+DSP_API int CircularInterpolation(const double *freq, const double *refl, int n, const double *at,
+                                  double *result, int m);
+
 #ifdef __cplusplus
 }
 #endif

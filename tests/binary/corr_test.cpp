@@ -20,8 +20,8 @@ TYPED_TEST(Corr, LagsOfTheLinearCorrelation) {
             for (int lags : {1, (n + 1) / 2, n})
                 for (int xc = 0; xc < 2; ++xc)
                     for (int yc = 0; yc < 2; ++yc, seed += 2)
-                        f(n, lags, xc, yc, random_values<T>((1 + xc) * n, seed),
-                          random_values<T>((1 + yc) * n, seed + 1));
+                        f(n, lags, xc, yc, uniform<T>((1 + xc) * n, seed),
+                          uniform<T>((1 + yc) * n, seed + 1));
     };
     std::vector<double> in;
     each([&](int n, int lags, int xc, int yc, const auto &x, const auto &y) {

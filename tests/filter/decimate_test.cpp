@@ -51,7 +51,7 @@ TYPED_TEST(Decimate, PhaseCarriesAcrossBlocks) {
 TYPED_TEST(Decimate, HalfBandAgainstFourLfilterStages) {
     using T = TypeParam;
     const int n = 400;
-    const auto re = random_values<T>(n, 1), im = random_values<T>(n, 2);
+    const auto re = uniform<T>(n, 1), im = uniform<T>(n, 2);
     std::vector<double> in(re.begin(), re.end());
     in.insert(in.end(), im.begin(), im.end());
     const auto want = python(

@@ -54,8 +54,8 @@ TYPED_TEST(Fir, BlockwiseEqualsOnePieceDirectSum) {
     for (int m : {1, 7, 35, 36, 45, 46, 64, 200})
         for (int kinds = 0; kinds < 4; ++kinds) {
             const bool xc = kinds & 1, hc = kinds & 2;
-            const auto x = random_values<T>(xc ? 2 * N : N, m);
-            const auto h = random_values<T>(hc ? 2 * m : m, m + 1);
+            const auto x = uniform<T>(xc ? 2 * N : N, m);
+            const auto h = uniform<T>(hc ? 2 * m : m, m + 1);
             const auto want = convolve(as_points(x, xc), as_points(h, hc));
             Rec<T> hr(h, hc);
             for (int level : {1, 0}) {  // AVX2 loops (where present), the build's vectors
@@ -107,9 +107,9 @@ TYPED_TEST(Fir, HistoryCopiesAndFailures) {
 
 TYPED_TEST(Fir, TransformCacheKeyIsSharedByBothKinds) {
     using T = TypeParam;
-    const auto cv = random_values<T>(512, 2), a = random_values<T>(36, 3);
-    const auto b = random_values<T>(46, 4);
-    Rec<T> x(random_values<T>(256, 1)), xc(cv, true), x512(random_values<T>(512, 5)), y;
+    const auto cv = uniform<T>(512, 2), a = uniform<T>(36, 3);
+    const auto b = uniform<T>(46, 4);
+    Rec<T> x(uniform<T>(256, 1)), xc(cv, true), x512(uniform<T>(512, 5)), y;
     auto filter = [&](Rec<T> &in, const std::vector<T> &h) {
         Rec<T> hr(h);
         return DSP(d_fir)(in.get(), y.get(), hr.get(), nullptr);
@@ -157,8 +157,8 @@ TYPED_TEST(Fir, SymmetricEqualsExpandedFilter) {
     for (int k : {1, 2, 5, 30, 31, 40})
         for (int flags = 0; flags < 16; ++flags) {
             const bool odd = flags & 1, anti = flags & 2, xc = flags & 4, hc = flags & 8;
-            const auto x = random_values<T>(xc ? 2 * N : N, k);
-            const auto half = random_values<T>(hc ? 2 * k : k, k + 7);
+            const auto x = uniform<T>(xc ? 2 * N : N, k);
+            const auto half = uniform<T>(hc ? 2 * k : k, k + 7);
             auto full = as_points(half, hc);
             for (int j = k - 1 - odd; j >= 0; --j) full.push_back(anti ? -full[j] : full[j]);
             const auto want = convolve(as_points(x, xc), full);

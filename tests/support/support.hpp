@@ -33,6 +33,10 @@ constexpr auto pick(F f, D d) {
 // The C export of the precision TypeParam: DSP(i_real) is dspfi_real in the
 // single family and dspi_real in the double family.
 #define DSP(x) (::dsp_test::pick<TypeParam>(dspf##x, dsp##x))
+// The raw-array kernels likewise: VFP(_FindMax) is vfps_FindMax or
+// vfpd_FindMax, VFPB(Mul1) vfpsbMul1 or vfpdbMul1.
+#define VFP(x) (::dsp_test::pick<TypeParam>(vfps##x, vfpd##x))
+#define VFPB(x) (::dsp_test::pick<TypeParam>(vfpsb##x, vfpdb##x))
 
 // A record the test owns; destroyed through the library at scope exit.
 template <class T>
@@ -112,11 +116,11 @@ std::vector<T> applied(const std::vector<T> &v, bool cplx, F f, T delta = T(1), 
     return r.values();
 }
 
-// `count` pseudo-random scalars in [-1, 1), rounded to T.
-template <class T>
-std::vector<T> random_values(size_t count, unsigned seed) {
+// count values drawn uniformly from [lo, hi) with a fixed seed.
+template <class T = double>
+std::vector<T> uniform(size_t count, unsigned seed, double lo = -1, double hi = 1) {
     std::mt19937 gen(seed);
-    std::uniform_real_distribution<double> u(-1.0, 1.0);
+    std::uniform_real_distribution<double> u(lo, hi);
     std::vector<T> v(count);
     for (T &x : v) x = T(u(gen));
     return v;
