@@ -559,6 +559,41 @@ DSP_API int cf_dsph_fft(const double *in, double *out, int n, int cplx, dsp_wind
  * with length 0 and n a power of two. */
 DSP_API int cf_dspfh_fft_fast_but_dirty(const float *in, float *out, int n, int cplx,
                                         dsp_window kind, int flags, int length);
+/* dspfh_fft for any length through the DFT (powers of two still go through
+ * the FFT): the same arguments, flags and result, except that `length` 0
+ * means n (no padding) and any length of at least n is accepted. */
+DSP_API int dspfh_dft(const dspf_signal *in, dspf_signal *result, dspf_signal *scratch,
+                      dsp_window kind, int flags, int length);
+DSP_API int dsph_dft(const dsp_signal *in, dsp_signal *result, dsp_signal *scratch,
+                     dsp_window kind, int flags, int length);
+/*
+ * Averaged power spectrum (Welch's method) of a long record. Segments of
+ * N = `segment` points (0: N = n) start every N - `overlap` points
+ * (overlap < 0: N / 2 points shared); points after the last whole segment
+ * are not used. Each segment, less its mean with DSP_SPECTRUM_DETREND, is
+ * multiplied by the window of N points (kind, flags bits 0-5; flag 8 is
+ * refused; mode and rotation do not change the result) and transformed by
+ * the DFT. The result is the real record of the mean |DFT_unscaled|^2 of the
+ * segments divided by (sum w)^2 with DSP_SPECTRUM_POWER (a tone of amplitude
+ * A reads A^2/2 in its bin, one-sided), or by fs sum w^2, fs = 1 / delta,
+ * with DSP_SPECTRUM_DENSITY (power per unit of frequency; white noise of
+ * variance s^2 reads s^2 / (fs / 2) one-sided). A real input gives the
+ * one-sided spectrum of N/2 + 1 points (every bin but 0 Hz and the Nyquist
+ * bin of even N doubled), a complex input the two-sided spectrum of N points
+ * (0 Hz at index 0). delta becomes 1 / (delta * N). `scratch` as for
+ * dspfh_fft. -1 for an empty input, N outside 1 .. n, overlap >= N, another
+ * form than power or density, a window whose sum (power) or sum of squares
+ * (density) is 0, or a failing step; invalid arguments leave the result
+ * untouched.
+ */
+enum {
+    DSP_SPECTRUM_DENSITY = 0x300,
+    DSP_SPECTRUM_DETREND = 0x400
+};
+DSP_API int dspfh_avg(const dspf_signal *in, dspf_signal *result, dspf_signal *scratch,
+                      dsp_window kind, int flags, int segment, int overlap);
+DSP_API int dsph_avg(const dsp_signal *in, dsp_signal *result, dsp_signal *scratch,
+                     dsp_window kind, int flags, int segment, int overlap);
 
 /* ------------------------------------------------------------------------
  * Element-wise binary arithmetic

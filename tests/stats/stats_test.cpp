@@ -1,5 +1,4 @@
 #include <cstring>
-#include <random>
 
 #include "support/python.hpp"
 #include "support/support.hpp"
@@ -7,15 +6,6 @@
 using namespace dsp_test;
 
 namespace {
-
-template <class T>
-std::vector<T> random_values(unsigned seed, size_t count, double lo = -3, double hi = 5) {
-    std::mt19937 gen(seed);
-    std::uniform_real_distribution<double> d(lo, hi);
-    std::vector<T> v(count);
-    for (auto &x : v) x = T(d(gen));
-    return v;
-}
 
 // A record wrapping points of v from scalar `first` (not owned by the record).
 template <class T>

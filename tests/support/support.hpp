@@ -7,6 +7,7 @@
 #include <cmath>
 #include <complex>
 #include <initializer_list>
+#include <random>
 #include <type_traits>
 #include <vector>
 
@@ -108,6 +109,16 @@ std::vector<T> applied(const std::vector<T> &v, bool cplx, F f, T delta = T(1), 
     r.set(v, cplx, delta);
     EXPECT_EQ(f(r.get()), rc);
     return r.values();
+}
+
+// count values drawn uniformly from [lo, hi) by a generator seeded with seed.
+template <class T>
+std::vector<T> random_values(unsigned seed, size_t count, double lo = -3, double hi = 5) {
+    std::mt19937 gen(seed);
+    std::uniform_real_distribution<double> d(lo, hi);
+    std::vector<T> v(count);
+    for (auto &x : v) x = T(d(gen));
+    return v;
 }
 
 // Relative tolerance suited to the precision: a few units in the last place.
