@@ -728,6 +728,58 @@ DSP_API int dsps_hist(const dsp_signal *in, dsp_signal *out, double low, double 
 DSP_API int dspfs_peak(const dspf_signal *in, dspf_signal *out, int flags, int index);
 DSP_API int dsps_peak(const dsp_signal *in, dsp_signal *out, int flags, int index);
 
+/* ------------------------------------------------------------------------
+ * Regression and polynomials
+ * ------------------------------------------------------------------------ */
+
+/*
+ * A polynomial is a record of coefficients in ascending order: point i is
+ * the coefficient of x^i (as dspfi_pdiffer reads it; numpy.polyfit and
+ * numpy.poly1d list them the other way round). The computations run in
+ * double precision in both families. Results are written only on success
+ * and may be an input record; a statistic's result keeps its delta.
+ */
+/* out = {slope, intercept, r} (real, 3 points): the least-squares line
+ * y = slope x + intercept through the points (k delta, in[k]) and their
+ * correlation coefficient r (0 when in is constant). -1 for complex input,
+ * fewer than two points or delta 0. */
+DSP_API int dspfs_lin_regres(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_lin_regres(const dsp_signal *in, dsp_signal *out);
+/* The same through the points (x[k], y[k]); -1 also for complex x, unequal
+ * lengths or all x equal. */
+DSP_API int dspfs_lin_regres2(const dspf_signal *x, const dspf_signal *y, dspf_signal *out);
+DSP_API int dsps_lin_regres2(const dsp_signal *x, const dsp_signal *y, dsp_signal *out);
+/* out (real, degree + 1 points) = the coefficients c minimising
+ * sum |y[k] - sum c[i] x[k]^i|^2, by a QR decomposition of the Vandermonde
+ * matrix with columns scaled to unit norm (never the normal equations).
+ * -1 for complex records, unequal lengths, degree < 0, fewer than
+ * degree + 1 points, or fewer distinct x than degree + 1 (a singular fit). */
+DSP_API int dspfs_psolve(const dspf_signal *x, const dspf_signal *y, dspf_signal *out, int degree);
+DSP_API int dsps_psolve(const dsp_signal *x, const dsp_signal *y, dsp_signal *out, int degree);
+/* As psolve with real or complex x and y; out is always complex. */
+DSP_API int dspfs_pcsolve(const dspf_signal *x, const dspf_signal *y, dspf_signal *out,
+                          int degree);
+DSP_API int dsps_pcsolve(const dsp_signal *x, const dsp_signal *y, dsp_signal *out, int degree);
+/* out[k] = sum coef[i] x[k]^i (Horner) for every point of x: x.n points
+ * with x's delta, complex when coef or x is; no coefficients give zeros. */
+DSP_API int dspfs_peval(const dspf_signal *coef, const dspf_signal *x, dspf_signal *out);
+DSP_API int dsps_peval(const dsp_signal *coef, const dsp_signal *x, dsp_signal *out);
+/* Coefficients in place to the roots: a complex record of as many points as
+ * the degree (the index of the last nonzero coefficient), sorted by real
+ * part, then imaginary part; zero low-order coefficients give roots at 0.
+ * The roots are the eigenvalues of the balanced companion matrix, by a
+ * shifted Hessenberg QR iteration (in real arithmetic for real
+ * coefficients, so complex roots come in exact conjugate pairs). -1, the
+ * record unchanged, when every coefficient is 0 (or there is none) or the
+ * iteration does not converge (NaN or infinite coefficients). */
+DSP_API int dspfi_proots(dspf_signal *x);
+DSP_API int dspi_proots(dsp_signal *x);
+/* Roots r[0 .. n-1] in place to the n + 1 coefficients of the monic
+ * polynomial (x - r[0]) ... (x - r[n-1]), real for real roots and complex
+ * for complex ones; no roots give the constant 1. */
+DSP_API int dspfi_pztoc(dspf_signal *x);
+DSP_API int dspi_pztoc(dsp_signal *x);
+
 #ifdef __cplusplus
 }
 #endif
