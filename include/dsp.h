@@ -780,6 +780,54 @@ DSP_API int dspi_proots(dsp_signal *x);
 DSP_API int dspfi_pztoc(dspf_signal *x);
 DSP_API int dspi_pztoc(dsp_signal *x);
 
+/* ------------------------------------------------------------------------
+ * Interpolation and splines
+ * ------------------------------------------------------------------------ */
+
+/*
+ * A tabulated function has knots x[0] < x[1] < ... < x[n-1] and values
+ * y[k], real or complex (complex values are interpolated part by part).
+ * Modes: DSP_INTERP_LINEAR joins the knots by straight lines and takes the
+ * first or last value outside them; DSP_INTERP_NATURAL and
+ * DSP_INTERP_NOT_A_KNOT are cubic splines (continuous second derivative)
+ * with zero second derivative at both ends, or with a continuous third
+ * derivative at x[1] and x[n-2]; outside the knots the first and last
+ * cubic pieces continue. Two knots give the straight line in every mode,
+ * three knots with not-a-knot ends the parabola through them, one knot its
+ * value everywhere. The knots are worked in double precision in both
+ * families. Results are written only on success and may be an input record.
+ */
+enum {
+    DSP_INTERP_LINEAR = 0,
+    DSP_INTERP_NATURAL = 1,
+    DSP_INTERP_NOT_A_KNOT = 2
+};
+/* out[j] = the function with knots x[k] = k in.delta and values in[k] at
+ * the real positions pos[j] (in the units of delta, from in's first point):
+ * pos.n points of in's kind with pos's delta. -1 for an unknown mode, an
+ * empty in, delta not positive and finite, or complex pos. */
+DSP_API int dspf_interp(const dspf_signal *in, const dspf_signal *pos, dspf_signal *out, int mode);
+DSP_API int dsp_interp(const dsp_signal *in, const dsp_signal *pos, dsp_signal *out, int mode);
+/* The second derivatives of the cubic spline (mode natural or not-a-knot)
+ * at the knots k in.delta: n points of in's kind with in's delta. -1 also
+ * for the linear mode. */
+DSP_API int dspf_cspline(const dspf_signal *in, dspf_signal *out, int mode);
+DSP_API int dsp_cspline(const dsp_signal *in, dsp_signal *out, int mode);
+/* The same for the knots x[k] with values y[k]: n points of y's kind, delta
+ * the mean of x's and y's. -1 also for complex x, unequal lengths or x not
+ * strictly increasing. */
+DSP_API int dspfb_cspline_2d(const dspf_signal *x, const dspf_signal *y, dspf_signal *out,
+                             int mode);
+DSP_API int dspb_cspline_2d(const dsp_signal *x, const dsp_signal *y, dsp_signal *out, int mode);
+/* The function with knots x[k] and values y[k] at the real positions pos[j]:
+ * pos.n points of y's kind with pos's delta. -1 for an unknown mode, an
+ * empty or complex x, unequal lengths, x not strictly increasing, or
+ * complex pos. */
+DSP_API int dspfb_inter(const dspf_signal *x, const dspf_signal *y, const dspf_signal *pos,
+                        dspf_signal *out, int mode);
+DSP_API int dspb_inter(const dsp_signal *x, const dsp_signal *y, const dsp_signal *pos,
+                       dsp_signal *out, int mode);
+
 #ifdef __cplusplus
 }
 #endif
