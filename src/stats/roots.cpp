@@ -151,24 +151,42 @@ bool householder(const double *x, int r, double *v, double &tau, double &beta) {
     return true;
 }
 
-// Eigenvalues of a real upper Hessenberg matrix.
-int real_eigenvalues(matrix<double> h, cd *out) {
+// The deflation loop of both iterations: a 1 x 1 active block is an
+// eigenvalue; `pair(lo, hi)` may take a 2 x 2 block whole and returns how
+// many eigenvalues it took (0 or 2); otherwise `step(lo, hi, steps)` runs
+// one QR step on the block.
+template <class S, class Pair, class Step>
+int deflate(matrix<S> h, cd *out, Pair pair, Step step) {
     const double norm = matrix_norm(h);
     int hi = h.m - 1, steps = 0;
     while (hi >= 0) {
         const int lo = active_start(h, hi, norm);
+        int taken = 0;
         if (lo == hi) {
-            out[hi--] = h(lo, lo);
-            steps = 0;
-            continue;
+            out[hi] = h(lo, lo);
+            taken = 1;
+        } else if (lo == hi - 1) {
+            taken = pair(lo, hi);
         }
-        if (lo == hi - 1) {
-            pair_roots(h(lo, lo), h(lo, hi), h(hi, lo), h(hi, hi), out + lo);
-            hi -= 2;
+        if (taken) {
+            hi -= taken;
             steps = 0;
-            continue;
+        } else if (++steps > max_steps) {
+            return -1;
+        } else {
+            step(lo, hi, steps);
         }
-        if (++steps > max_steps) return -1;
+    }
+    return 0;
+}
+
+// Eigenvalues of a real upper Hessenberg matrix.
+int real_eigenvalues(matrix<double> h, cd *out) {
+    auto pair = [&](int lo, int hi) {
+        pair_roots(h(lo, lo), h(lo, hi), h(hi, lo), h(hi, hi), out + lo);
+        return 2;
+    };
+    auto step = [&](int lo, int hi, int steps) {
         // Shifts from the trailing block: their sum s and product t.
         double s = h(hi - 1, hi - 1) + h(hi, hi);
         double t = h(hi - 1, hi - 1) * h(hi, hi) - h(hi - 1, hi) * h(hi, hi - 1);
@@ -198,25 +216,16 @@ int real_eigenvalues(matrix<double> h, cd *out) {
             }
             reflect_cols(h, k, r, v, tau, lo, std::min(k + 3, hi));
         }
-    }
-    return 0;
+    };
+    return deflate(h, out, pair, step);
 }
 
 // Eigenvalues of a complex upper Hessenberg matrix.
 int complex_eigenvalues(matrix<cd> h, cd *out) {
-    const double norm = matrix_norm(h);
     buffer<double> cs{size_t(h.m)};
     buffer<cd> sn{size_t(h.m)};
     if (!cs.ok() || !sn.ok()) return -1;
-    int hi = h.m - 1, steps = 0;
-    while (hi >= 0) {
-        const int lo = active_start(h, hi, norm);
-        if (lo == hi) {
-            out[hi--] = h(lo, lo);
-            steps = 0;
-            continue;
-        }
-        if (++steps > max_steps) return -1;
+    auto step = [&](int lo, int hi, int steps) {
         cd mu;
         if (steps == 10 || steps == 20) {
             mu = std::fabs(h(hi, hi - 1).real()) +
@@ -247,8 +256,9 @@ int complex_eigenvalues(matrix<cd> h, cd *out) {
                 h(i, k + 1) = cs[k] * w - sn[k] * u;
             }
         for (int k = lo; k <= hi; ++k) h(k, k) += mu;
-    }
-    return 0;
+    };
+    return deflate(
+        h, out, [](int, int) { return 0; }, step);
 }
 
 template <class S>

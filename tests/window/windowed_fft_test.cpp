@@ -23,6 +23,19 @@ std::vector<T> tone(int n, int cplx, double f, double amp) {
     return v;
 }
 
+// Python lines that take the next record from x: n real values, or n
+// complex points as 2n interleaved scalars when c.
+const char *const kNextRecord =
+    "    s = x[at:at + 2 * n:2] + 1j * x[at + 1:at + 2 * n:2] if c else x[at:at + n]\n"
+    "    at += n * (1 + c)\n";
+
+// The next `count` values of `all` from `used` on, as the precision under test.
+template <class T>
+std::vector<T> take(const std::vector<double> &all, size_t &used, size_t count) {
+    used += count;
+    return std::vector<T>(all.begin() + (used - count), all.begin() + used);
+}
+
 }  // namespace
 
 template <class T>
@@ -152,7 +165,8 @@ TYPED_TEST(WindowedSpectrum, RawArrayEntryPoints) {
 TYPED_TEST(WindowedSpectrum, AnyLengthAgainstNumpy) {
     using T = TypeParam;
     const double tol = std::is_same_v<T, float> ? 2e-5 : 1e-12;
-    const std::vector<std::array<int, 3>> cases = {  // n, cplx, length
+    // n, cplx, length
+    const std::vector<std::array<int, 3>> cases = {
         {243, 0, 0}, {243, 1, 400}, {1000, 0, 1500}, {1000, 1, 0}};
     std::vector<double> all;
     std::ostringstream list;
@@ -161,28 +175,23 @@ TYPED_TEST(WindowedSpectrum, AnyLengthAgainstNumpy) {
         all.insert(all.end(), v.begin(), v.end());
         list << "(" << n << "," << cplx << "," << (length ? length : n) << "),";
     }
-    const std::vector<double> ref = python(
-        "at = 0\nfor n, c, m in [" + list.str() + "]:\n" +
-            "    s = x[at:at + 2 * n:2] + 1j * x[at + 1:at + 2 * n:2] if c else x[at:at + n]\n"
-            "    at += n * (1 + c)\n"
-            "    y = np.roll(s * (1 + np.cos(2 * np.pi * (np.arange(n) - n // 2) / n)), -(n // 2))\n"
-            "    y = np.concatenate([y[:(n + 1) // 2], np.zeros(m - n), y[(n + 1) // 2:]])\n"
-            "    X = (np.fft.fft(y) if c else np.fft.rfft(y)) / n\n"
-            "    print(*np.column_stack([X.real, X.imag]).ravel())",
-        all);
+    const std::vector<double> ref =
+        python("at = 0\nfor n, c, m in [" + list.str() + "]:\n" + kNextRecord +
+                   "    k = 2 * np.pi * (np.arange(n) - n // 2) / n\n"
+                   "    y = np.roll(s * (1 + np.cos(k)), -(n // 2))\n"
+                   "    y = np.concatenate([y[:(n + 1) // 2], np.zeros(m - n), y[(n + 1) // 2:]])\n"
+                   "    X = (np.fft.fft(y) if c else np.fft.rfft(y)) / n\n"
+                   "    print(*np.column_stack([X.real, X.imag]).ravel())",
+               all);
     size_t at = 0, used = 0;
     for (auto [n, cplx, length] : cases) {
         SCOPED_TRACE(n + cplx + length);
         const int m = length ? length : n;
-        const size_t scalars = size_t(cplx ? n : 0) * 2, count = size_t(cplx ? 2 * m : m + 2 - m % 2);
-        Rec<T> in(std::vector<T>(all.begin() + used, all.begin() + used + (scalars ? scalars : n)),
-                  cplx, T(0.5)),
-            out;
-        used += scalars ? scalars : n;
+        const size_t count = size_t(cplx ? 2 * m : m + 2 - m % 2);
+        Rec<T> in(take<T>(all, used, size_t(n * (1 + cplx))), cplx, T(0.5)), out;
         ASSERT_LE(at + count, ref.size());
         EXPECT_OK(DSP(h_dft)(&in, &out, nullptr, DSP_WINDOW_HANN, 0, length), *out,
-                  std::vector<T>(ref.begin() + at, ref.begin() + at + count), tol);
-        at += count;
+                  take<T>(ref, at, count), tol);
         EXPECT_NEAR(double(out->delta), 2.0 / m, 1e-6 / m);
     }
     EXPECT_EQ(at, ref.size());
@@ -196,7 +205,8 @@ TYPED_TEST(WindowedSpectrum, AnyLengthAgainstNumpy) {
               fft.values());
     // Failures: a length below n, an empty input, a bad form.
     Rec<T> x({1, 2, 3}), empty, r({5});
-    for (int length : {2, -1}) EXPECT_EQ(DSP(h_dft)(&x, &r, nullptr, DSP_WINDOW_HANN, 0, length), -1);
+    for (int length : {2, -1})
+        EXPECT_EQ(DSP(h_dft)(&x, &r, nullptr, DSP_WINDOW_HANN, 0, length), -1);
     EXPECT_EQ(DSP(h_dft)(&empty, &r, nullptr, DSP_WINDOW_HANN, 0, 0), -1);
     EXPECT_EQ(DSP(h_dft)(&x, &r, nullptr, DSP_WINDOW_HANN, 0x300, 5), -1);
     expect_values<T>(*r, {5});
@@ -231,8 +241,7 @@ TYPED_TEST(WindowedSpectrum, AveragedAgainstScipyWelch) {
     }
     const std::vector<double> ref = python(
         "import scipy.signal as ss\nat = 0\nfor n, c, N, ov, f, a in [" + list.str() + "]:\n" +
-            "    s = x[at:at + 2 * n:2] + 1j * x[at + 1:at + 2 * n:2] if c else x[at:at + n]\n"
-            "    at += n * (1 + c)\n"
+            kNextRecord +
             "    k = 2 * np.pi * (np.arange(N) - N // 2) / N\n"
             "    w = sum(aj * np.cos(j * k) for j, aj in enumerate(a))\n"
             "    p = ss.welch(s, 48000, w, N, ov, detrend='constant' if f & 0x400 else False,\n"
@@ -242,15 +251,11 @@ TYPED_TEST(WindowedSpectrum, AveragedAgainstScipyWelch) {
     size_t at = 0, used = 0;
     for (const Case &c : cases) {
         SCOPED_TRACE(c.n);
-        const size_t scalars = size_t(c.n * (1 + c.cplx));
         const int seg = c.segment ? c.segment : c.n, bins = c.cplx ? seg : seg / 2 + 1;
-        Rec<T> in(std::vector<T>(all.begin() + used, all.begin() + used + scalars), c.cplx,
-                  T(1) / T(48000)),
-            out, scratch;
-        used += scalars;
-        ASSERT_LE(at + bins, ref.size());
-        const std::vector<T> want(ref.begin() + at, ref.begin() + at + bins);
-        at += bins;
+        Rec<T> in(take<T>(all, used, size_t(c.n * (1 + c.cplx))), c.cplx, T(1) / T(48000)), out,
+            scratch;
+        ASSERT_LE(at + size_t(bins), ref.size());
+        const std::vector<T> want = take<T>(ref, at, size_t(bins));
         const double peak = *std::max_element(want.begin(), want.end());
         const double tol = (std::is_same_v<T, float> ? 2e-5 : 1e-11) * peak;
         auto avg = [&](sig<T> *o, sig<T> *s) {
@@ -277,11 +282,11 @@ TYPED_TEST(WindowedSpectrum, AveragedAgainstScipyWelch) {
     // unknown kind, an empty record.
     Rec<T> empty, r({5});
     for (auto [kind, flags, seg, ov] : std::vector<std::array<int, 4>>{{2, power, 5000, 0},
-                                                                        {2, power, 128, 128},
-                                                                        {2, 0, 128, 0},
-                                                                        {2, 0x100, 128, 0},
-                                                                        {2, power | 8, 128, 0},
-                                                                        {99, power, 128, 0}})
+                                                                       {2, power, 128, 128},
+                                                                       {2, 0, 128, 0},
+                                                                       {2, 0x100, 128, 0},
+                                                                       {2, power | 8, 128, 0},
+                                                                       {99, power, 128, 0}})
         EXPECT_EQ(DSP(h_avg)(&tone2, &r, nullptr, kind, flags, seg, ov), -1);
     EXPECT_EQ(DSP(h_avg)(&empty, &r, nullptr, DSP_WINDOW_HANN, power, 0, 0), -1);
     expect_values<T>(*r, {5});
