@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <complex>
-#include <sstream>
 
 #include "support/python.hpp"
 #include "support/support.hpp"
@@ -32,49 +31,33 @@ void expect_roots(const std::vector<cd> &got, const std::vector<cd> &want, doubl
     }
 }
 
-// The numbers of a list of records as a python list of arrays.
-template <class T>
-std::string arrays(const std::vector<std::vector<T>> &vs) {
-    std::ostringstream s;
-    s.precision(17);
-    s << "[";
-    for (const auto &v : vs) {
-        s << "np.array([";
-        for (T x : v) s << double(x) << ",";
-        s << "]),";
-    }
-    return s.str() + "]";
-}
-
 }  // namespace
 
 template <class T>
 class Polynomial : public ::testing::Test {};
 TYPED_TEST_SUITE(Polynomial, Precisions);
 
-// Lines through the time axis and through an x record, against
-// scipy.stats.linregress; two points, a constant record, in place, failures.
+// Lines through the time axis and through an x record against
+// scipy.stats.linregress, in place; two points, a constant record, failures.
 TYPED_TEST(Polynomial, LinesAgainstScipy) {
     using T = TypeParam;
     const double tol = std::is_same_v<T, float> ? 2e-5 : 1e-12;
-    std::vector<std::vector<T>> data;
+    std::vector<double> all;
     for (size_t n : {3, 50, 3000}) {
-        std::vector<T> y = random_values<T>(unsigned(n), n, -1, 1);
-        for (size_t k = 0; k < n; ++k) y[k] += T(0.01 * double(k));
-        data.push_back(random_values<T>(unsigned(n) + 1, n, 0, 10));
-        data.push_back(y);
+        const auto v = random_values<double>(unsigned(n), 2 * n, 0, 10);  // x, then y
+        all.insert(all.end(), v.begin(), v.end());
+        for (size_t k = 0; k < n; ++k) all[all.size() - n + k] += 0.01 * double(k);
     }
     const auto want = python(
-        "import scipy.stats as st\nd = " + arrays(data) +
-        "\nfor x, y in zip(d[0::2], d[1::2]):\n"
-        "    print(*st.linregress(0.25 * np.arange(len(y)), y)[:3], *st.linregress(x, y)[:3])");
-    ASSERT_EQ(want.size(), 18u);
-    for (size_t c = 0; c < 3; ++c) {
-        Rec<T> x(data[2 * c]), y(data[2 * c + 1], false, T(0.25)), out;
-        ASSERT_EQ(DSP(s_lin_regres)(&y, &out), 0);
-        for (int i = 0; i < 3; ++i) EXPECT_NEAR(out->data[i], want[6 * c + i], tol) << c;
-        ASSERT_EQ(DSP(s_lin_regres2)(&x, &y, &y), 0);  // in place
-        for (int i = 0; i < 3; ++i) EXPECT_NEAR(y->data[i], want[6 * c + 3 + i], tol) << c;
+        "import scipy.stats as st\nat = 0\nfor n in (3, 50, 3000):\n"
+        "    u, y = x[at:at + n], x[at + n:at + 2 * n]\n    at += 2 * n\n"
+        "    print(*st.linregress(0.25 * np.arange(n), y)[:3], *st.linregress(u, y)[:3])",
+        all);
+    size_t used = 0, at = 0;
+    for (size_t n : {3, 50, 3000}) {
+        Rec<T> x(take<T>(all, used, n)), y(take<T>(all, used, n), false, T(0.25)), out;
+        EXPECT_OK(DSP(s_lin_regres)(&y, &out), *out, take<T>(want, at, 3), tol);
+        EXPECT_OK(DSP(s_lin_regres2)(&x, &y, &y), *y, take<T>(want, at, 3), tol);
     }
     // Two points lie on their line (r = -1); a constant has r = 0.
     Rec<T> two({3, 1}, false, T(0.5)), flat({2, 2, 2}), out({9});
@@ -84,54 +67,46 @@ TYPED_TEST(Polynomial, LinesAgainstScipy) {
     // unequal lengths.
     Rec<T> one({1}), zero({1, 2}, false, T(0)), c({1, 2, 3, 4}, true), same({5, 5}), r({9});
     for (sig<T> *in : {one.get(), zero.get(), c.get()}) EXPECT_EQ(DSP(s_lin_regres)(in, &r), -1);
-    EXPECT_EQ(DSP(s_lin_regres2)(&same, &two, &r), -1);
-    EXPECT_EQ(DSP(s_lin_regres2)(&flat, &two, &r), -1);
-    EXPECT_EQ(DSP(s_lin_regres2)(&c, &two, &r), -1);
+    for (sig<T> *x : {same.get(), flat.get(), c.get()})
+        EXPECT_EQ(DSP(s_lin_regres2)(x, &two, &r), -1);
     expect_values<T>(*r, {9});
 }
 
 // Real and complex fits of several sizes and degrees against np.polyfit
 // (reversed: the library lists x^0 first), their values by peval against
-// np.polyval, singular and short fits.
+// np.polyval (in place for the complex ones), singular and short fits.
 TYPED_TEST(Polynomial, FitsAndValuesAgainstNumpy) {
     using T = TypeParam;
     const double tol = std::is_same_v<T, float> ? 2e-5 : 1e-11;
-    const std::vector<std::array<int, 2>> cases = {{1, 0}, {20, 3}, {200, 5}};  // n, degree
-    std::vector<std::vector<T>> data;
-    for (auto [n, d] : cases)
-        for (unsigned part = 0; part < 4; ++part)  // x, y, imag x, imag y
-            data.push_back(random_values<T>(unsigned(n * 4) + part, size_t(n), -2, 3));
-    std::ostringstream script;
-    script << "d = " << arrays(data) << "\nfor i, deg in enumerate([0, 3, 5]):\n"
-           << "    x, y, xi, yi = d[4 * i:4 * i + 4]\n"
-           << "    c = np.polyfit(x, y, deg)\n    z = np.polyfit(x + 1j * xi, y + 1j * yi, deg)\n"
-           << "    v = np.polyval(z, x + 1j * xi)\n"
-           << "    print(*c[::-1], *np.polyval(c, x), *np.column_stack([z.real, "
-              "z.imag])[::-1].ravel(),"
-           << " *np.column_stack([v.real, v.imag]).ravel())";
-    const auto want = python(script.str());
-    size_t at = 0, set = 0;
-    for (auto [n, d] : cases) {
+    std::vector<double> all;  // per case 2n scalars of complex x, then of y
+    for (int n : {1, 20, 200}) {
+        const auto v = random_values<double>(unsigned(n), size_t(4 * n), -2, 3);
+        all.insert(all.end(), v.begin(), v.end());
+    }
+    const auto want = python(
+        "at = 0\nfor n, d in ((1, 0), (20, 3), (200, 5)):\n"
+        "    u, y = x[at:at + 2 * n], x[at + 2 * n:at + 4 * n]\n    at += 4 * n\n"
+        "    c = np.polyfit(u[:n], y[:n], d)\n"
+        "    zx, zy = u[0::2] + 1j * u[1::2], y[0::2] + 1j * y[1::2]\n"
+        "    z = np.polyfit(zx, zy, d)\n    v = np.polyval(z, zx)\n"
+        "    print(*c[::-1], *np.polyval(c, u[:n]), *np.column_stack([z.real, "
+        "z.imag])[::-1].ravel(),"
+        " *np.column_stack([v.real, v.imag]).ravel())",
+        all);
+    size_t used = 0, at = 0;
+    for (auto [n, d] : std::vector<std::array<int, 2>>{{1, 0}, {20, 3}, {200, 5}}) {
         SCOPED_TRACE(n);
-        std::vector<T> zx, zy;
-        for (int k = 0; k < n; ++k) {
-            zx.insert(zx.end(), {data[set][k], data[set + 2][k]});
-            zy.insert(zy.end(), {data[set + 1][k], data[set + 3][k]});
-        }
-        Rec<T> x(data[set]), y(data[set + 1]), cx(zx, true), cy(zy, true), c, v;
-        set += 4;
-        auto next = [&](size_t count) {
-            at += count;
-            return std::vector<T>(want.begin() + at - count, want.begin() + at);
-        };
-        ASSERT_LE(at + 3 * (d + 1) + 3 * n, want.size());
-        EXPECT_OK(DSP(s_psolve)(&x, &y, &c, d), *c, next(d + 1), tol);
-        EXPECT_OK(DSP(s_peval)(&c, &x, &v), *v, next(n), tol * 10);
-        EXPECT_OK(DSP(s_pcsolve)(&cx, &cy, &c, d), *c, next(2 * (d + 1)), tol);
-        EXPECT_OK(DSP(s_peval)(&c, &cx, &cx), *cx, next(2 * n), tol * 10);  // in place
-        // The same fit with the result in y.
-        ASSERT_EQ(DSP(s_psolve)(&x, &y, &y, d), 0);
-        EXPECT_EQ(y->n, d + 1);
+        Rec<T> cx(take<T>(all, used, size_t(2 * n)), true),
+            cy(take<T>(all, used, size_t(2 * n)), true);
+        // The real x is the first n scalars of cx's storage, not owned.
+        Rec<T> x, y(std::vector<T>(cy->data, cy->data + n)), c, v;
+        *x = wrap(cx->data, n);
+        ASSERT_LE(at + size_t(3 * (d + 1) + 3 * n), want.size());
+        EXPECT_OK(DSP(s_psolve)(&x, &y, &c, d), *c, take<T>(want, at, size_t(d + 1)), tol);
+        EXPECT_OK(DSP(s_peval)(&c, &x, &v), *v, take<T>(want, at, size_t(n)), tol * 10);
+        EXPECT_OK(DSP(s_psolve)(&x, &y, &y, d), *y, c.values());  // the result in y
+        EXPECT_OK(DSP(s_pcsolve)(&cx, &cy, &c, d), *c, take<T>(want, at, size_t(2 * d + 2)), tol);
+        EXPECT_OK(DSP(s_peval)(&c, &cx, &cx), *cx, take<T>(want, at, size_t(2 * n)), tol * 10);
     }
     EXPECT_EQ(at, want.size());
     // Failures leave the result: fewer distinct x than terms, too few
@@ -189,24 +164,20 @@ TYPED_TEST(Polynomial, RootsAndCoefficients) {
 
     // Random degree-20 real and degree-12 complex polynomials; the
     // coefficients come back from the roots (monic, in the leading one's scale).
-    const std::vector<T> re = random_values<T>(3, 21, -1, 1), cx = random_values<T>(4, 26, -1, 1);
-    std::vector<double> in(re.begin(), re.end());
-    in.insert(in.end(), cx.begin(), cx.end());
+    const auto in = random_values<double>(3, 47, -1, 1);  // 21 real, 13 complex
     const auto want = python(
         "a = np.roots(x[20::-1])\nb = np.roots((x[21::2] + 1j * x[22::2])[::-1])\n"
-        "print(*np.column_stack([a.real, a.imag]).ravel(), *np.column_stack([b.real, "
-        "b.imag]).ravel())",
+        "for r in (a, b): print(*np.column_stack([r.real, r.imag]).ravel())",
         in);
     ASSERT_EQ(want.size(), 64u);
     const double tol = std::is_same_v<T, float> ? 1e-5 : 1e-10;
+    size_t used = 0, at = 0;
     for (int set = 0; set < 2; ++set) {
-        Rec<T> q(set ? cx : re, set == 1);
+        Rec<T> q(take<T>(in, used, set ? 26 : 21), set == 1);
         const std::vector<cd> coef = points<T>(*q);
         ASSERT_EQ(DSP(i_proots)(&q), 0);
-        std::vector<cd> w;
-        for (size_t k = set ? 40 : 0; k < (set ? 64u : 40u); k += 2)
-            w.emplace_back(want[k], want[k + 1]);
-        expect_roots(points<T>(*q), w, tol * 10);
+        std::vector<T> w = take<T>(want, at, set ? 24 : 40);
+        expect_roots(points<T>(*q), points<T>(wrap(w.data(), int(w.size() / 2), true)), tol * 10);
         ASSERT_EQ(DSP(i_pztoc)(&q), 0);
         const std::vector<cd> back = points<T>(*q);
         ASSERT_EQ(back.size(), coef.size());
