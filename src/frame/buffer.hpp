@@ -10,13 +10,20 @@
 
 namespace dsp {
 
+// Storage for count elements of `size` bytes from std::malloc, or null when
+// it cannot be had, also when the byte count does not fit in size_t (as on
+// a 32-bit target, where a count worked out in 64 bits may not).
+inline void *scratch_alloc(uint64_t count, size_t size) {
+    if (count > SIZE_MAX / size) return nullptr;
+    return std::malloc(count > 0 ? size_t(count) * size : 1);
+}
+
 // `count` elements of a trivially copyable type, uninitialised; `ok()` is
 // false when the allocation failed (the call then returns -1).
 template <class S>
 class buffer {
  public:
-    explicit buffer(size_t count)
-        : data_(static_cast<S *>(std::malloc((count > 0 ? count : 1) * sizeof(S)))) {}
+    explicit buffer(uint64_t count) : data_(static_cast<S *>(scratch_alloc(count, sizeof(S)))) {}
     ~buffer() { std::free(data_); }
     buffer(const buffer &) = delete;
     buffer &operator=(const buffer &) = delete;

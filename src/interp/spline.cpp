@@ -52,7 +52,7 @@ class table {
             return -1;
         h_ = double(y.delta);
         const size_t n = size_t(n_), w = size_t(parts_);
-        store_ = static_cast<double *>(std::malloc(n * (2 * w + 2) * sizeof(double)));
+        store_ = static_cast<double *>(scratch_alloc(uint64_t(n) * (2 * w + 2), sizeof(double)));
         if (!store_) return -1;
         y_ = store_;
         m_ = y_ + n * w;

@@ -59,7 +59,6 @@ int dsps_peak(const dsp_signal *in, dsp_signal *out, int flags, int index) {
     return peak<double>(*in, *out, flags, index);
 }
 
-
 // Regression and polynomials.
 int dspfs_lin_regres(const dspf_signal *in, dspf_signal *out) {
     return lin_regres<float>(*in, *out);

@@ -63,7 +63,7 @@ template <class S, class T>
 int vandermonde_fit(const signal_t<T> &x, const signal_t<T> &y, S *c, int p) {
     const int64_t n = x.n;
     buffer<double> scale{size_t(p)};
-    buffer<S> r{size_t(p) * size_t(p + 1)}, row{size_t(p + 1)};
+    buffer<S> r{uint64_t(p) * uint64_t(p + 1)}, row{size_t(p + 1)};
     if (!scale.ok() || !r.ok() || !row.ok()) return -1;
     for (int j = 0; j < p; ++j) scale[j] = 0;
     for (int64_t k = 0; k < n; ++k) {

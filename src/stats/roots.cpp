@@ -263,7 +263,7 @@ int complex_eigenvalues(matrix<cd> h, cd *out) {
 
 template <class S>
 int companion_roots(const cd *c, int m, cd *out) {
-    buffer<S> a{size_t(m) * size_t(m)};
+    buffer<S> a{uint64_t(m) * uint64_t(m)};
     if (!a.ok()) return -1;
     matrix<S> h{a.get(), m};
     for (int i = 0; i < m; ++i)
