@@ -115,7 +115,7 @@ int vandermonde_fit(const signal_t<T> &x, const signal_t<T> &y, S *c, int p) {
 
 template <class S, class T>
 int polynomial_fit(const signal_t<T> &x, const signal_t<T> &y, signal_t<T> &out, int degree) {
-    if (x.n != y.n || degree < 0 || x.n < degree + 1) return -1;
+    if (x.n != y.n || degree < 0 || x.n <= degree) return -1;
     const int p = degree + 1;
     buffer<S> c{size_t(p)};
     if (!c.ok() || vandermonde_fit<S, T>(x, y, c.get(), p) != 0) return -1;
