@@ -39,7 +39,7 @@ int peval(const signal_t<T> &coef, const signal_t<T> &x, signal_t<T> &out);
 // Coefficients in place to the complex record of the polynomial's roots
 // (eigenvalues of the balanced companion matrix by a Hessenberg QR
 // iteration), sorted by real part, then imaginary part. -1 when every
-// coefficient is 0 or the iteration does not converge.
+// coefficient is 0, one is not finite, or the iteration does not converge.
 template <class T>
 int proots(signal_t<T> &x);
 

@@ -16,7 +16,8 @@
 //   trailing 2 x 2 block nearest its last diagonal entry (Wilkinson), as
 //   Givens rotations of H - mu I followed by R Q + mu I.
 // After 10 and 20 steps without deflation an exceptional shift breaks
-// cycles; a root that needs more than 60 steps makes the call fail.
+// cycles; a root that needs more than 60 steps makes the call fail, as do
+// NaN or infinite coefficients.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -293,6 +294,7 @@ int proots(signal_t<T> &x) {
     int64_t top = -1, zeros = 0;
     for (int64_t i = 0; i < n; ++i) {
         c[i] = poly::point<cd>(x, i);
+        if (!std::isfinite(c[i].real()) || !std::isfinite(c[i].imag())) return -1;
         if (c[i] != cd(0)) top = i;
         if (c[i].imag() != 0) real = false;
     }

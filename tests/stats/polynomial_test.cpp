@@ -186,12 +186,14 @@ TYPED_TEST(Polynomial, RootsAndCoefficients) {
     }
 
     // Zero low-order coefficients are roots at 0; a constant has no roots;
-    // the zero polynomial fails and stays as it was. No roots give 1.
-    Rec<T> low({0, 0, 2, -3, 1}), constant({5}), zero({0, 0}), empty;
+    // the zero polynomial and a NaN coefficient fail. No roots give 1.
+    Rec<T> low({0, 0, 2, -3, 1}), constant({5}), zero({0, 0}), empty, bad({1, NAN, 2});
     EXPECT_OK(DSP(i_proots)(&low), *low, {0, 0, 0, 0, 1, 0, 2, 0}, 1e-6);
     EXPECT_OK(DSP(i_proots)(&constant), *constant, {});
     EXPECT_EQ(constant->cplx, 1);
     EXPECT_EQ(DSP(i_proots)(&zero), -1);
+    EXPECT_EQ(DSP(i_proots)(&bad), -1);
     expect_values<T>(*zero, {0, 0});
+    EXPECT_EQ(bad->cplx, 0);
     EXPECT_OK(DSP(i_pztoc)(&empty), *empty, {1});
 }
