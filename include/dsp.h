@@ -649,6 +649,175 @@ DSP_API int dspfbs_dot(const dspf_signal *a, const dspf_signal *b, dspf_signal *
 DSP_API int dspbs_dot(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
 
 /* ------------------------------------------------------------------------
+ * Correlation
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Cross-correlation through the FFT: r[k] = sum_i x[i+k] conj(y[i]) for the
+ * lags k = 0 .. lags-1, the linear correlation (x counts as zero beyond its
+ * end; equal to numpy.correlate(x, y, "full") at index n-1+k). x and y need
+ * the same n, and 1 <= lags <= n (else -1, r untouched). Both are zero-padded
+ * to the power of two of at least n + lags - 1 points, so that no lag
+ * receives wrap-around. r (which may be x or y) gets `lags` points, complex
+ * if either input is, delta the mean of the inputs' deltas. `scratch` is a
+ * working record the caller keeps between calls so that repeated calls
+ * allocate nothing; null, or one sharing storage with x, y or r, makes the
+ * call use a temporary record. A nonzero `option` halves the result.
+ */
+DSP_API int dspfh_corr(const dspf_signal *x, const dspf_signal *y, dspf_signal *r,
+                       dspf_signal *scratch, int lags, int option);
+DSP_API int dsph_corr(const dsp_signal *x, const dsp_signal *y, dsp_signal *r,
+                      dsp_signal *scratch, int lags, int option);
+/* dspfh_corr with option 0. */
+DSP_API int dspfb_corr(const dspf_signal *x, const dspf_signal *y, dspf_signal *r,
+                       dspf_signal *scratch, int lags);
+DSP_API int dspb_corr(const dsp_signal *x, const dsp_signal *y, dsp_signal *r, dsp_signal *scratch,
+                      int lags);
+
+/* ------------------------------------------------------------------------
+ * Signal generators
+ * ------------------------------------------------------------------------ */
+
+/*
+ * The caller sets n, cplx and delta; the generator sizes the storage and
+ * writes the n points (delta, n and cplx are kept). Frequencies are in
+ * cycles per unit of delta. A rotation oscillator advances the phase and is
+ * re-anchored at the exact phase every 256 points (the single family reduces
+ * that phase modulo 2 pi in double). -1 only when the storage cannot be had.
+ */
+/* cos(phase + 2 pi freq delta k); a complex record gets zero imaginary parts. */
+DSP_API int dspfc_cos(dspf_signal *x, float freq, float phase);
+DSP_API int dspc_cos(dsp_signal *x, double freq, double phase);
+/* exp(i (phase + 2 pi freq delta k)) on a complex record; on a real record
+ * the same as dspfc_cos. */
+DSP_API int dspfc_cexp(dspf_signal *x, float freq, float phase);
+DSP_API int dspc_cexp(dsp_signal *x, double freq, double phase);
+/* start + k slope delta, accumulated by repeated addition of slope delta;
+ * zero imaginary parts on a complex record. */
+DSP_API int dspfc_line(dspf_signal *x, float slope, float start);
+DSP_API int dspc_line(dsp_signal *x, double slope, double start);
+
+/* ------------------------------------------------------------------------
+ * FIR design
+ * ------------------------------------------------------------------------ */
+
+/*
+ * h receives the n = h->n coefficients of a linear-phase design in closed
+ * form (no window), frequencies in cycles per sample. kind: 0 band-pass
+ * (a centre, b bandwidth), 1 band-stop (a, b; odd n), 2 high-pass (a
+ * cut-off; odd n), 3 low-pass (a cut-off), 4 sinh smoothing kernel (a shape,
+ * 0 for the default of the length), 5 low-pass delayed by b samples, 6
+ * differentiator, 7 Gaussian (a bandwidth), 8 band-limited quadrature
+ * filter, 9 Kaiser-transform smoothing kernel (a shape, 0 for the default),
+ * 10 |f|-weighted low-pass. Kinds 4 (except the tabled n = 5, 7, 9), 5, 7
+ * and 9 are scaled to unit sum; 6 and 8 are antisymmetric. A complex h gets
+ * zero imaginary parts. -1 for storage failure, a kind outside 0..10 or an
+ * even n for kinds 1 and 2; h is then left real.
+ */
+DSP_API int dspfc_fir(dspf_signal *h, int kind, float a, float b);
+DSP_API int dspc_fir(dsp_signal *h, int kind, double a, double b);
+/* h becomes a stored coefficient set: code 100 (12 points), 101 (20), 102
+ * (5); -1 for any other code, h untouched. */
+DSP_API int dspfc_fir2(dspf_signal *h, int code);
+DSP_API int dspc_fir2(dsp_signal *h, int code);
+
+/* ------------------------------------------------------------------------
+ * Resampling kernels
+ * ------------------------------------------------------------------------ */
+
+/*
+ * A kernel record of N points (N set by the caller, even) holds its width
+ * at point 0 and v(theta) at points N/2 + j and N/2 - j (bit-identical),
+ * theta = j 2 pi / (N - 2), j = 0 .. (N - 2)/2. A description holds the
+ * width at point 0 and the coefficients c1 .. c(K-1) after it. N <= 1 or
+ * K <= 1 gives a zero kernel holding only the width. -1 for storage
+ * failure, odd N or a complex description. Note the argument order: the
+ * kernel (result) comes first.
+ */
+/* v(theta) = c1 + sum over i >= 2 of c_i cos((i - 1) theta). */
+DSP_API int dspfc_rsmp_cos(dspf_signal *kernel, const dspf_signal *desc);
+DSP_API int dspc_rsmp_cos(dsp_signal *kernel, const dsp_signal *desc);
+/* v(theta) = sum over i >= 1 of c_i cos(theta)^(i - 1). */
+DSP_API int dspfc_rsmp_pcos(dspf_signal *kernel, const dspf_signal *desc);
+DSP_API int dspc_rsmp_pcos(dsp_signal *kernel, const dsp_signal *desc);
+/* One of the stored kernels, mode 0 .. 4 (widths 8, 13, 8, 10, 13; modes 0
+ * and 1 polynomial, 2 to 4 cosine series); -1 for other modes. */
+DSP_API int dspfc_rsmp(dspf_signal *kernel, int mode);
+DSP_API int dspc_rsmp(dsp_signal *kernel, int mode);
+
+/* ------------------------------------------------------------------------
+ * FIR filtering
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Causal FIR filter over a block: y[k] = sum_{j<m} h[j] x[k-j] for the n
+ * points of x, where x[-1], x[-2], ... are the last points of `history`.
+ * The history (optional) holds the m-1 samples before the block, oldest
+ * first; it is converted to x's kind and zero-padded (a fresh record means
+ * zeros before the block), and afterwards holds the m-1 samples before the
+ * next block, so a signal filtered block by block gives the samples of one
+ * call on the whole (to rounding). Null: zeros before every block, nothing
+ * kept. y has n points, complex when x or h is, delta of x; y may be x.
+ * An empty filter (m <= 0) copies x. -1 when the filter or the history
+ * shares storage with y, or the history with x.
+ *
+ * Direct convolution for a complex filter, a block shorter than m-1 points,
+ * or m < 46 (real x) / m < 36 (complex x); otherwise through the FFT over
+ * L points, L the power of two of at least n+m-1 when m^2 > 9 n log2 n,
+ * else of at least n. The filter's spectrum is cached per precision under a
+ * key shared by real and complex blocks: a filter within |h[0]| * 5.96e-7 of
+ * the key is not transformed again. Hence a real block followed by a complex
+ * one with the same filter uses whatever complex spectrum is held (an
+ * earlier filter's, or none: -1), and a block needing another L than the
+ * cached spectrum's gives -1. A new filter (or dspf_free_internal) clears
+ * this.
+ */
+DSP_API int dspfd_fir(const dspf_signal *x, dspf_signal *y, const dspf_signal *h,
+                      dspf_signal *history);
+DSP_API int dspd_fir(const dsp_signal *x, dsp_signal *y, const dsp_signal *h, dsp_signal *history);
+/* dspfd_fir with the linear-phase filter of 2k-1 (odd != 0) or 2k taps whose
+ * first k coefficients are `half` (index k-1 is the centre tap when odd),
+ * mirrored to the rest and negated there when antisym != 0. A real filter of
+ * at most 60 taps over a block of at least m-1 points runs directly, adding
+ * (antisym: subtracting) the two samples of each coefficient pair before one
+ * multiplication; anything else builds the full filter and calls dspfd_fir. */
+DSP_API int dspfd_sfir(const dspf_signal *x, dspf_signal *y, const dspf_signal *half, int odd,
+                       int antisym, dspf_signal *history);
+DSP_API int dspd_sfir(const dsp_signal *x, dsp_signal *y, const dsp_signal *half, int odd,
+                      int antisym, dsp_signal *history);
+
+/* ------------------------------------------------------------------------
+ * Decimation and half-band filter
+ * ------------------------------------------------------------------------ */
+
+/* Keeps every factor-th point (factor < 1 counts as 1), starting at the index
+ * in `phase` (optional one-point record, read rounded, negative as 0), which
+ * afterwards holds the index of the next kept point within the next block:
+ * n points from offset o give ceil((n - o) / factor) points (none when o >= n,
+ * the phase then dropping by n). y's delta is x's times the factor; y may be
+ * x. -1 when the phase record shares storage with x or y. */
+DSP_API int dspfd_deci(const dspf_signal *x, dspf_signal *y, int factor, dspf_signal *phase);
+DSP_API int dspd_deci(const dsp_signal *x, dsp_signal *y, int factor, dsp_signal *phase);
+/* Low-pass before a decimation by two: four cascaded stages
+ * H(z) = (0.25 + 0.5 z^-1 + 0.5 z^-2 + 0.25 z^-3) / (1 + 0.5 z^-2) (unit gain
+ * at 0, zeros at the Nyquist frequency and at a third of the rate), computed
+ * in double precision and rounded to the record's precision after each
+ * stage's internal value and output. `state` keeps the three delays of each
+ * stage (12 points, of x's kind; padded with zeros when shorter); null uses
+ * the library's internal state record, which carries the delays from call to
+ * call (shared by every such caller). `reserved` must be null, else -1 and
+ * nothing is touched. y may be x. */
+DSP_API int dspfd_hwfilt(const dspf_signal *x, dspf_signal *y, const void *reserved,
+                         dspf_signal *state);
+DSP_API int dspd_hwfilt(const dsp_signal *x, dsp_signal *y, const void *reserved,
+                        dsp_signal *state);
+/* dspfd_hwfilt(x, x, state, NULL): the state argument lands in the reserved
+ * position, so a non-null state gives -1 (x unchanged) and a null one filters
+ * with the internal state record. */
+DSP_API int dspfi_hwfilt(dspf_signal *x, dspf_signal *state);
+DSP_API int dspi_hwfilt(dsp_signal *x, dsp_signal *state);
+
+/* ------------------------------------------------------------------------
  * Descriptive statistics
  * ------------------------------------------------------------------------ */
 

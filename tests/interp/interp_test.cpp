@@ -18,7 +18,7 @@ TYPED_TEST_SUITE(Interp, Precisions);
 TYPED_TEST(Interp, AgainstScipy) {
     using T = TypeParam;
     const double tol = std::is_same_v<T, float> ? 1e-5 : 1e-12;
-    std::vector<T> y = random_values<T>(7, 18, -1, 1), xs(9), pos;
+    std::vector<T> y = random_values<T>(18, 7), xs(9), pos;
     for (int k = 1; k < 9; ++k) xs[k] = xs[k - 1] + T(0.2) + T(0.1) * y[k];
     for (double p : {-0.4, 0.0, 0.1, 0.25, 0.6, 1.37, 1.999, 2.0, 2.6}) pos.push_back(T(p));
     std::vector<double> in(y.begin(), y.end());

@@ -44,7 +44,7 @@ TYPED_TEST(Polynomial, LinesAgainstScipy) {
     const double tol = std::is_same_v<T, float> ? 2e-5 : 1e-12;
     std::vector<double> all;
     for (size_t n : {3, 50, 3000}) {
-        const auto v = random_values<double>(unsigned(n), 2 * n, 0, 10);  // x, then y
+        const auto v = random_values<double>(2 * n, unsigned(n), 0, 10);  // x, then y
         all.insert(all.end(), v.begin(), v.end());
         for (size_t k = 0; k < n; ++k) all[all.size() - n + k] += 0.01 * double(k);
     }
@@ -80,7 +80,7 @@ TYPED_TEST(Polynomial, FitsAndValuesAgainstNumpy) {
     const double tol = std::is_same_v<T, float> ? 2e-5 : 1e-11;
     std::vector<double> all;  // per case 2n scalars of complex x, then of y
     for (int n : {1, 20, 200}) {
-        const auto v = random_values<double>(unsigned(n), size_t(4 * n), -2, 3);
+        const auto v = random_values<double>(size_t(4 * n), unsigned(n), -2, 3);
         all.insert(all.end(), v.begin(), v.end());
     }
     const auto want = python(
@@ -164,7 +164,7 @@ TYPED_TEST(Polynomial, RootsAndCoefficients) {
 
     // Random degree-20 real and degree-12 complex polynomials; the
     // coefficients come back from the roots (monic, in the leading one's scale).
-    const auto in = random_values<double>(3, 47, -1, 1);  // 21 real, 13 complex
+    const auto in = random_values<double>(47, 3);  // 21 real, 13 complex
     const auto want = python(
         "a = np.roots(x[20::-1])\nb = np.roots((x[21::2] + 1j * x[22::2])[::-1])\n"
         "for r in (a, b): print(*np.column_stack([r.real, r.imag]).ravel())",

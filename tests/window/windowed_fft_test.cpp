@@ -226,7 +226,7 @@ TYPED_TEST(WindowedSpectrum, AveragedAgainstScipyWelch) {
     std::vector<double> all;
     std::ostringstream list;
     for (const Case &c : cases) {
-        const auto v = random_values<T>(unsigned(c.n), size_t(c.n * (1 + c.cplx)), -1, 1.5);
+        const auto v = random_values<T>(size_t(c.n * (1 + c.cplx)), unsigned(c.n), -1, 1.5);
         all.insert(all.end(), v.begin(), v.end());
         const int seg = c.segment ? c.segment : c.n;
         list << "(" << c.n << "," << c.cplx << "," << seg << ","
