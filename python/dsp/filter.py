@@ -68,9 +68,9 @@ class FirFilter(_Stream):
     ``FirFilter(h)(x)`` equals ``scipy.signal.lfilter(h, 1, x)``, and so does filtering x in
     pieces with one object. ``FirFilter.symmetric(half, odd, antisym)`` takes a linear-phase
     filter by its first half (2k - 1 taps when odd, else 2k; mirrored, negated when antisym).
-    The library keeps the spectrum of the last long filter for one transform length: with
-    such a filter a block whose length needs another transform length than the previous one
-    raises DspError (equal block lengths never do)."""
+    The library keeps the spectrum of the last long filter for one transform length and block
+    kind and refuses a block that needs another; the binding then releases the library's
+    caches (``dsp_free_internal``) and filters the block again, so any block lengths work."""
 
     def __init__(self, h, dtype=None):
         super().__init__(dtype)
@@ -91,11 +91,14 @@ class FirFilter(_Stream):
 def _fir(fam, x, h, sym, history):
     hh = _core.vector(h, fam, name="h")[0]
     y, rx, rh = _core.record(fam), _core.record(fam, x), _core.record(fam, hh)
-    why = "the filter's cached spectrum does not fit this block (see FirFilter)"
-    if sym is None:
-        fam.call("dspfd_fir", rx, y, rh, history, why=why)
-    else:
-        fam.call("dspfd_sfir", rx, y, rh, *sym, history, why=why)
+    name, args = ("dspfd_fir", (rh,)) if sym is None else ("dspfd_sfir", (rh, *sym))
+    try:
+        fam.call(name, rx, y, *args, history, why="")
+    except _core.DspError:
+        # The cached spectrum of this filter was made for another transform length or block
+        # kind: release the caches (the history is not advanced by a refused block) and retry.
+        fam.fn("dspf_free_internal")()
+        fam.call(name, rx, y, *args, history, why="the block could not be filtered")
     return _core.values(y, fam)
 
 
