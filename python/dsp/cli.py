@@ -19,7 +19,9 @@ LOCATING_WINDOW = "Kaiser90"
 PADDING = 4
 GUARD_BINS = 20  # unpadded bins around a tone (and above 0 Hz) left out of the noise floor
 SEPARATION_BINS = 8  # unpadded bins between two reported tones
-DYNAMIC_RANGE_DB = 80.0  # tones reported down to this far below the strongest
+DYNAMIC_RANGE_DB = 90.0  # tones reported down to this far below the strongest,
+ABOVE_MEDIAN_DB = 20.0  # this far above the median level of the spectrum, which noise sets,
+ABOVE_LEAKAGE_DB = 10.0  # and this far above the window's leakage from every stronger tone
 
 
 def read_wav(path, channel):
@@ -54,12 +56,18 @@ def read_text(path, column):
 
 def power_spectrum(x, rate, window, average):
     """Power of a sine per bin, 2 |X|^2 with a unit-mean window, averaged over `average`
-    consecutive segments (computed here from the windowed spectrum of each segment)."""
+    consecutive segments; the bin spacing and the segment length."""
     segment = len(x) // average
     length = PADDING * (1 << max(segment - 1, 1).bit_length())
-    parts = [win.spectrum(x[i * segment:(i + 1) * segment], window, "mean", "power", length,
-                          1.0 / rate) for i in range(average)]
-    return 2.0 * np.mean([p.values for p in parts], axis=0), parts[0].delta, segment
+    s = win.averaged_spectrum(x, average, window, "mean", length, 1.0 / rate)
+    return 2.0 * s.values, s.delta, segment
+
+
+def leakage_db(window, segment, length):
+    """The window's power response in dB re its peak at every offset in padded bins, as its
+    decreasing envelope: no tone leaks more than this at that offset or beyond."""
+    w = win.spectrum(np.ones(segment), window, "mean", "power", length).values
+    return elementwise.db(np.maximum.accumulate(w[::-1])[::-1] / w[0])
 
 
 def analyse(x, rate, window="Flattop", average=1, tones=5):
@@ -72,12 +80,16 @@ def analyse(x, rate, window="Flattop", average=1, tones=5):
     scale = len(level) * 2 // segment  # padded bins per unpadded bin (about PADDING)
     k = np.arange(1, len(level) - 1)
     peaks = k[(level_db[k] >= level_db[k - 1]) & (level_db[k] > level_db[k + 1])]
+    leak = leakage_db(window, segment, 2 * (len(level) - 1))
     found = []
-    floor = max(np.median(level_db), level_db.max() - DYNAMIC_RANGE_DB)
+    least = max(np.median(level_db) + ABOVE_MEDIAN_DB, level_db.max() - DYNAMIC_RANGE_DB)
     for p in peaks[np.argsort(-level_db[peaks], kind="stable")]:
-        if len(found) == tones or level_db[p] < floor + 20.0:
+        if len(found) == tones or level_db[p] < least:
             break
-        if all(abs(p - q) > SEPARATION_BINS * scale for q in found):
+        # A tone between bins moves its side lobes by up to one bin: the envelope is taken
+        # from one unpadded bin closer.
+        if all(abs(p - q) > SEPARATION_BINS * scale and level_db[p] > level_db[q] + ABOVE_LEAKAGE_DB
+               + leak[max(abs(p - q) - scale, 0)] for q in found):
             found.append(p)
     result = []
     for p in found:

@@ -130,3 +130,22 @@ def spectrum(x, window="flattop", norm="mean", form="power", length=0, delta=1.0
              flags, length, why="needs a non-empty signal, a length of 0 or a power of two of at "
              f"least {len(a)}, and a window {window!r} that takes these options")
     return Spectrum(_core.values(out, fam), float(out.delta), a.dtype.kind != "c")
+
+
+def averaged_spectrum(x, segments, window="flattop", norm="mean", length=0, delta=1.0,
+                      symmetric=False):
+    """The mean of the power spectra (see ``spectrum``) of `segments` consecutive segments of
+    len(x) // segments points each (the remaining points are left out), with the bin spacing.
+
+    Equivalent (one-sided, without the doubling): ``scipy.signal.welch(x, window=w,
+    nperseg=m, noverlap=0, nfft=length, detrend=False, scaling="spectrum")`` with w the
+    window and m the segment length. Each segment goes through the windowed spectrum of the
+    library; the mean is taken here."""
+    a, fam = _core.vector(x)
+    if segments < 1 or a.size // segments < 1:
+        raise ValueError(f"averaged_spectrum: {a.size} points do not make {segments} segments")
+    m = a.size // segments
+    parts = [spectrum(a[i * m:(i + 1) * m], window, norm, "power", length, delta,
+                      symmetric=symmetric) for i in range(segments)]
+    return Spectrum(np.mean([p.values for p in parts], axis=0, dtype=fam.real).astype(fam.real),
+                    parts[0].delta, parts[0].onesided)
