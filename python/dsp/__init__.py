@@ -14,16 +14,20 @@ call raises DspError, naming the C function and the reason.
 """
 
 from ._core import DspError, library_path, version
+from .binary import (add, avg_add, conj_mul, correlate, div, dot, maximum, minimum, mul, pmul,
+                     ritoc, sub)
 from .calib import circle_fit, circular_interpolation, inv, matmul, one_port_terms
 from .elementwise import (acos, asin, conj, cosh, db, differ, exp, exp10, i0, integ, limit, log,
                           log10, mag, magsq, phase, recip, sinh, sqrt, square, unwrap, y0, y1)
+from .generate import cexp, cos, line, resampling_kernel
 from .filter import (FIR_KINDS, Decimator, FirFilter, HalfBandFilter, decimate, fir, fir_design,
                      fir_stored, halfband, sfir)
 from .stats import (excess, gmean, hist, hmean, magsq_sum, max, mean, median, min, peak, rms,
                     skew, std, sum, var)
-from .trace import (expand_linear, expand_log, find_max, find_min, format_trace, mul,
+from .trace import (expand_linear, expand_log, find_max, find_min, format_trace, trace_mul,
                     scale_to_fp, scale_to_int, smooth, unwrap_phase)
 from .transform import analytic, dct, dft, fft, hilbert, ifft, irdft, irfft, rdft, rfft
-from .windows import Spectrum, apply_window, enbw, spectrum, window, window_kind, window_scale
+from .windows import (Spectrum, apply_window, averaged_spectrum, enbw, spectrum, window,
+                      window_kind, window_scale)
 
 __version__ = "2.5.0"

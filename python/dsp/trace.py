@@ -20,7 +20,7 @@ def _span(n, start, end):
     return start, end
 
 
-def mul(x, k, short_vector=False):
+def trace_mul(x, k, short_vector=False):
     """x times k (both parts of complex points): ``x * k``. `short_vector` takes vfpsbMul2,
     which runs 16 values at a time in the VFP short-vector mode on ARM cores that have it."""
     a, fam = _core.vector(x)

@@ -9,8 +9,8 @@ import dsp
 
 def test_trace_kernels(real):
     x = signal(40, real) * 3
-    close(dsp.mul(x, 2.5), x * real(2.5), real)
-    close(dsp.mul(x, 2.5, short_vector=True), x * real(2.5), real)
+    close(dsp.trace_mul(x, 2.5), x * real(2.5), real)
+    close(dsp.trace_mul(x, 2.5, short_vector=True), x * real(2.5), real)
     v = (real(-4) + real(500 / 6) * (x - real(-3))).astype(real)
     np.testing.assert_array_equal(dsp.scale_to_int(x, -3, 3, -4, 496, rounded=True), np.clip(np.rint(v), -4, 496))
     np.testing.assert_array_equal(dsp.scale_to_int(x, -3, 3, -4, 496), np.trunc(v))
