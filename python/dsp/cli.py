@@ -8,6 +8,7 @@ next power of two of the record.
 """
 
 import argparse
+import os
 import sys
 import wave
 
@@ -149,7 +150,7 @@ def spectrum_command(args):
     density = "not measurable" if a["density"] is None else f"{a['density']:.2f} dB/Hz"
     print(f"noise density: {density}")
     if args.plot:
-        plot(args.plot, a, f"{args.file}: {args.window}, RBW {a['rbw']:.3g} Hz")
+        plot(args.plot, a, f"{os.path.basename(args.file)}: {args.window}, RBW {a['rbw']:.3g} Hz")
         print(f"plot: {args.plot}")
 
 

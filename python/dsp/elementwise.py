@@ -8,6 +8,8 @@ below -L, ``log10``/``db`` of complex data take the real part as L, ``limit`` se
 not above the range to the lower bound.
 """
 
+import numpy as np
+
 from . import _core
 from ._core import ffi
 
@@ -15,7 +17,9 @@ _REAL = "needs real data"
 
 
 def _run(name, x, *args, why="the result could not be stored", delta=1.0):
-    return _core.inplace(name, x, *args, why=why, delta=delta)[0]
+    """The export on a copy of x; a scalar x gives a scalar."""
+    y = _core.inplace(name, x if np.ndim(x) else np.ravel(x), *args, why=why, delta=delta)[0]
+    return y if np.ndim(x) else y[0]
 
 
 def recip(x):
