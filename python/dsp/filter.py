@@ -70,7 +70,9 @@ class FirFilter(_Stream):
     filter by its first half (2k - 1 taps when odd, else 2k; mirrored, negated when antisym).
     The library keeps the spectrum of the last long filter for one transform length and block
     kind and refuses a block that needs another; the binding then releases the library's
-    caches (``dsp_free_internal``) and filters the block again, so any block lengths work."""
+    caches (``dsp_free_internal``) and filters the block again, so any block lengths work. It
+    also releases them when a filter used last on one block kind gets a block of the other, for
+    which the library would take the spectrum of an earlier filter."""
 
     def __init__(self, h, dtype=None):
         super().__init__(dtype)
@@ -88,8 +90,18 @@ class FirFilter(_Stream):
         return _fir(self._fam, x, self._h, self._sym, self._carry)
 
 
+_LAST_FILTER = {}  # per family: the filter and block kind of the last call
+
+
 def _fir(fam, x, h, sym, history):
     hh = _core.vector(h, fam, name="h")[0]
+    # The library keys its cached filter spectra (one for real, one for complex blocks) by the
+    # filter alone: the same filter on a block of the other kind would take the complex
+    # spectrum of an earlier filter. Such a change of kind releases the cache first.
+    key, cplx = (hh.tobytes(), hh.dtype, sym), x.dtype.kind == "c"
+    if _LAST_FILTER.get(fam, (key, cplx)) != (key, cplx) and _LAST_FILTER[fam][0] == key:
+        fam.fn("dspf_free_internal")()
+    _LAST_FILTER[fam] = (key, cplx)
     y, rx, rh = _core.record(fam), _core.record(fam, x), _core.record(fam, hh)
     name, args = ("dspfd_fir", (rh,)) if sym is None else ("dspfd_sfir", (rh, *sym))
     try:

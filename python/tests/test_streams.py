@@ -29,6 +29,13 @@ def test_fir_and_its_stream_match_lfilter(any_kind, taps):
     close(blockwise(dsp.FirFilter.symmetric(half, odd, True), x), want, any_kind)
 
 
+def test_fir_after_another_filter_on_the_other_block_kind(any_kind):
+    h0, h1, x = signal(80, np.float64), signal(80, np.float64, seed=2), signal(1000, any_kind)
+    other = x.real.copy() if x.dtype.kind == "c" else x.astype(np.result_type(x, np.complex64))
+    dsp.fir(x, h0), dsp.fir(other, h1)  # the library now holds h0's spectrum for x's kind
+    close(dsp.fir(x, h1), scipy.signal.lfilter(h1, 1, x.astype(np.result_type(x, np.float64))), any_kind)
+
+
 def test_fir_stream_keeps_its_first_precision():
     f = dsp.FirFilter(np.ones(3))
     assert f(np.ones(4, np.float32)).dtype == np.float32 and f(np.ones(2)).dtype == np.float32
