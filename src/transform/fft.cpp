@@ -1,6 +1,8 @@
-// Complex FFT: radix-4 decimation in frequency (a radix-2 step last for odd
-// powers of two) in place, leaving the spectrum in bit-reversed order, then
-// the bit-reversal permutation (with the 1/n scaling when forward).
+// Complex FFT: the vector kernels (fft_simd.hpp) transform in place into
+// natural order and scale; the scalar kernel is a radix-4 decimation in
+// frequency (a radix-2 step last for odd powers of two) in place, leaving the
+// spectrum in bit-reversed order, followed by the bit-reversal permutation
+// (with the 1/n scaling when forward).
 #include "transform/fft.hpp"
 
 #include <cmath>
@@ -15,8 +17,9 @@ namespace dsp {
 
 namespace {
 
-// A growing array of tables keyed by the number of bits b (n = 2^b),
-// searched linearly. Tables and the entry array come from std::malloc.
+// A growing array of tables keyed by an integer (the number of bits b of
+// n = 2^b, and for twiddle tables also the kernel's lanes), searched
+// linearly. Tables and the entry array come from std::malloc.
 template <class P>
 struct table_cache {
     struct entry {
@@ -55,7 +58,8 @@ struct table_cache {
 };
 
 // The caches of one precision: bit-reversal swap pairs, the fixed indices
-// of the scaling permutation, and the twiddle tables.
+// of the scaling permutation (both for the scalar kernel and the exported
+// permutations), and the twiddle tables.
 template <class T>
 struct caches {
     static inline table_cache<uint32_t> pairs;
@@ -135,10 +139,18 @@ uint32_t *build_fixed(int b) {
 inline void to_quadrant(uint64_t q, long double c0, long double s0, long double &c,
                         long double &s) {
     switch (q) {
-        case 0: c = c0, s = s0; break;
-        case 1: c = -s0, s = c0; break;
-        case 2: c = -c0, s = -s0; break;
-        default: c = s0, s = -c0; break;
+        case 0:
+            c = c0, s = s0;
+            break;
+        case 1:
+            c = -s0, s = c0;
+            break;
+        case 2:
+            c = -c0, s = -s0;
+            break;
+        default:
+            c = s0, s = -c0;
+            break;
     }
 }
 
@@ -178,48 +190,53 @@ void cis_from_octant(uint64_t j, uint64_t N, const long double *oct, long double
     to_quadrant(q, c0, s0, c, s);
 }
 
-// Twiddle table for n = 2^b: the radix-4 stages, largest first; the stage of
-// blocks of 4m points holds w^k, w^2k, w^3k for k < m, w = e^(-2 pi i / 4m),
-// as six arrays of m scalars (re, im of each). Every factor is a point of the
-// circle of n points; those of the first eighth are evaluated once (in long
+// Twiddle table of a transform of n = 2^b points on `lanes` lanes (the
+// layout of fft_kernel::table_length). Every factor is a point of the circle
+// of n points; those of the first eighth are evaluated once (in long
 // double, when the temporary table can be had) and the others follow by
 // symmetry.
 template <class T>
-T *build_twiddles(int b) {
-    const size_t length = size_t(fft_kernel::twiddle_length(b));
+T *build_twiddles(int b, int lanes) {
+    const size_t length = size_t(fft_kernel::table_length(b, lanes));
     auto *t = static_cast<T *>(std::malloc((length ? length : 1) * sizeof(T)));
     if (!t) return nullptr;
-    const uint64_t n = uint64_t(1) << b;
+    const uint64_t n = uint64_t(1) << b, M = n / uint64_t(lanes);
     long double *oct = nullptr;
     if (n >= 8) {
         oct = static_cast<long double *>(std::malloc(size_t(n / 8 + 1) * 2 * sizeof(long double)));
         if (oct)
             for (uint64_t i = 0; i <= n / 8; ++i) cis(i, n, oct[2 * i], oct[2 * i + 1]);
     }
+    // Writes w_n^j = (cos, -sin) of 2 pi j / n.
+    auto put = [&](uint64_t j, T &re, T &im) {
+        long double c, s;
+        if (oct)
+            cis_from_octant(j, n, oct, c, s);
+        else
+            cis(j, n, c, s);
+        re = T(c);
+        im = T(-s);
+    };
     T *p = t;
-    for (int64_t m = int64_t(n) / 4; m >= 1; m /= 4) {
-        const uint64_t span = uint64_t(4 * m), step = n / span;
-        for (int r = 1; r <= 3; ++r) {
-            T *re = p + 2 * (r - 1) * m, *im = re + m;
-            for (int64_t k = 0; k < m; ++k) {
-                long double c, s;
-                if (oct)
-                    cis_from_octant(uint64_t(r) * uint64_t(k) * step, n, oct, c, s);
-                else
-                    cis(uint64_t(r) * uint64_t(k), span, c, s);
-                re[k] = T(c);
-                im[k] = T(-s);
-            }
-        }
-        p += 6 * m;
+    for (uint64_t m = M / 4; m >= 1; m /= 4) {
+        const uint64_t step = n / (4 * m);  // w_4m = w_n^step
+        for (uint64_t k = 0; k < m; ++k, p += 6)
+            for (uint64_t r = 1; r <= 3; ++r) put(r * k * step, p[2 * r - 2], p[2 * r - 1]);
+    }
+    if (lanes > 1) {
+        const uint64_t V = uint64_t(lanes);
+        for (uint64_t c = 0; c < M / V; ++c)
+            for (uint64_t l = 1; l < V; ++l, p += 2 * V)
+                for (uint64_t i = 0; i < V; ++i) put(l * (c * V + i), p[i], p[V + i]);
     }
     std::free(oct);
     return t;
 }
 
 template <class T>
-T *twiddles(int b) {
-    return caches<T>::twiddles.get(b, build_twiddles<T>);
+T *twiddles(int b, int lanes) {
+    return caches<T>::twiddles.get((b << 5) | lanes,
+                                   [lanes](int key) { return build_twiddles<T>(key >> 5, lanes); });
 }
 
 // Reversal of the low `bits` bits of i.
@@ -368,10 +385,16 @@ int fft(signal_t<T> &x, int inverse) {
         d[2] = r0 - r1, d[3] = i0 - i1;
     } else if (n >= 4) {
         if (rtoc<T>(x) != 0) return -1;
-        const T *tw = twiddles<T>(b);
+        const fft_kernel::choice k = fft_kernel::choose<T>(b);
+        const T *tw = twiddles<T>(b, k.lanes);
         if (!tw) return -1;
-        fft_kernel::transform<T>(x.data, b, tw, inverse != 0);
-        if ((inverse ? bitrev<T>(x) : bitrev_scale<T>(x)) != 0) return -1;
+        if (k.lanes > 1) {
+            // 1/n is a power of two: exact in either precision.
+            fft_kernel::transform<T>(x.data, b, k, tw, inverse != 0, T(1.0 / double(n)));
+        } else {
+            fft_kernel::scalar_passes<T>(x.data, b, tw, inverse != 0);
+            if ((inverse ? bitrev<T>(x) : bitrev_scale<T>(x)) != 0) return -1;
+        }
     }
     x.delta = x.delta == T(0) ? precision<T>::large : T(1) / (x.delta * T(n));
     return 0;
