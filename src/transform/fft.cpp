@@ -135,6 +135,16 @@ uint32_t *build_fixed(int b) {
     return t;
 }
 
+// Reversal of the low `bits` bits of i.
+inline uint32_t reverse_bits(uint32_t i, int bits) {
+    i = ((i >> 1) & 0x55555555u) | ((i & 0x55555555u) << 1);
+    i = ((i >> 2) & 0x33333333u) | ((i & 0x33333333u) << 2);
+    i = ((i >> 4) & 0x0f0f0f0fu) | ((i & 0x0f0f0f0fu) << 4);
+    i = ((i >> 8) & 0x00ff00ffu) | ((i & 0x00ff00ffu) << 8);
+    i = (i >> 16) | (i << 16);
+    return bits ? i >> (32 - bits) : 0;
+}
+
 // (c, s) of the angle a + q pi/2, from (c0, s0) = (cos a, sin a).
 inline void to_quadrant(uint64_t q, long double c0, long double s0, long double &c,
                         long double &s) {
@@ -190,17 +200,17 @@ void cis_from_octant(uint64_t j, uint64_t N, const long double *oct, long double
     to_quadrant(q, c0, s0, c, s);
 }
 
-// Twiddle table of a transform of n = 2^b points on `lanes` lanes (the
+// Twiddle table of a transform of n = 2^b points by the kernel k (the
 // layout of fft_kernel::table_length). Every factor is a point of the circle
 // of n points; those of the first eighth are evaluated once (in long
 // double, when the temporary table can be had) and the others follow by
 // symmetry.
 template <class T>
-T *build_twiddles(int b, int lanes) {
-    const size_t length = size_t(fft_kernel::table_length(b, lanes));
+T *build_twiddles(int b, fft_kernel::choice k) {
+    const size_t length = size_t(fft_kernel::table_length(b, k));
     auto *t = static_cast<T *>(std::malloc((length ? length : 1) * sizeof(T)));
     if (!t) return nullptr;
-    const uint64_t n = uint64_t(1) << b, M = n / uint64_t(lanes);
+    const uint64_t n = uint64_t(1) << b, V = uint64_t(k.lanes), M = n / V;
     long double *oct = nullptr;
     if (n >= 8) {
         oct = static_cast<long double *>(std::malloc(size_t(n / 8 + 1) * 2 * sizeof(long double)));
@@ -218,35 +228,29 @@ T *build_twiddles(int b, int lanes) {
         im = T(-s);
     };
     T *p = t;
-    for (uint64_t m = M / 4; m >= 1; m /= 4) {
-        const uint64_t step = n / (4 * m);  // w_4m = w_n^step
-        for (uint64_t k = 0; k < m; ++k, p += 6)
-            for (uint64_t r = 1; r <= 3; ++r) put(r * k * step, p[2 * r - 2], p[2 * r - 1]);
+    int radix[64] = {};
+    const int stages = fft_kernel::stage_radices(b - __builtin_ctz(unsigned(V)), k.eight, radix);
+    uint64_t span = M;
+    for (int s = 0; s < stages; ++s) {
+        const uint64_t r = uint64_t(radix[s]), m = span / r, step = n / span;  // w = w_n^step
+        const int bits = __builtin_ctz(unsigned(r));
+        for (uint64_t j = 0; j < m; ++j)
+            for (uint64_t q = 1; q < r; ++q, p += 2)
+                put(reverse_bits(uint32_t(q), bits) * j * step, p[0], p[1]);
+        span = m;
     }
-    if (lanes > 1) {
-        const uint64_t V = uint64_t(lanes);
+    if (V > 1)
         for (uint64_t c = 0; c < M / V; ++c)
             for (uint64_t l = 1; l < V; ++l, p += 2 * V)
                 for (uint64_t i = 0; i < V; ++i) put(l * (c * V + i), p[i], p[V + i]);
-    }
     std::free(oct);
     return t;
 }
 
 template <class T>
-T *twiddles(int b, int lanes) {
-    return caches<T>::twiddles.get((b << 5) | lanes,
-                                   [lanes](int key) { return build_twiddles<T>(key >> 5, lanes); });
-}
-
-// Reversal of the low `bits` bits of i.
-inline uint32_t reverse_bits(uint32_t i, int bits) {
-    i = ((i >> 1) & 0x55555555u) | ((i & 0x55555555u) << 1);
-    i = ((i >> 2) & 0x33333333u) | ((i & 0x33333333u) << 2);
-    i = ((i >> 4) & 0x0f0f0f0fu) | ((i & 0x0f0f0f0fu) << 4);
-    i = ((i >> 8) & 0x00ff00ffu) | ((i & 0x00ff00ffu) << 8);
-    i = (i >> 16) | (i << 16);
-    return bits ? i >> (32 - bits) : 0;
+T *twiddles(int b, fft_kernel::choice k) {
+    const int key = (b << 8) | (k.lanes << 1) | (k.eight ? 1 : 0);
+    return caches<T>::twiddles.get(key, [k](int key) { return build_twiddles<T>(key >> 8, k); });
 }
 
 // Cache-friendly bit reversal of 2^b complex points, scaled by s when Scale.
@@ -386,7 +390,7 @@ int fft(signal_t<T> &x, int inverse) {
     } else if (n >= 4) {
         if (rtoc<T>(x) != 0) return -1;
         const fft_kernel::choice k = fft_kernel::choose<T>(b);
-        const T *tw = twiddles<T>(b, k.lanes);
+        const T *tw = twiddles<T>(b, k);
         if (!tw) return -1;
         if (k.lanes > 1) {
             // 1/n is a power of two: exact in either precision.

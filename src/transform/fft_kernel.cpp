@@ -47,7 +47,8 @@ namespace {
 
 // The scalar passes: radix-4 decimation in frequency over every block of
 // 4m points (six twiddle scalars per k, see table_length), and a last
-// radix-2 stage for odd powers of two.
+// radix-2 stage for odd powers of two (the stages of stage_radices without
+// radix 8).
 template <class T, bool Inverse>
 void radix4_scalar(T *d, int64_t n, int64_t m, const T *w) {
     for (int64_t base = 0; base < n; base += 4 * m) {
@@ -65,8 +66,8 @@ void radix4_scalar(T *d, int64_t n, int64_t m, const T *w) {
             const T yr = ar - br, yi = ai - bi;
             const T ur = cr + er, ui = ci + ei;
             const T vr = cr - er, vi = ci - ei;
-            const T *t = w + 6 * k;
-            const T c1 = t[0], s1 = s * t[1], c2 = t[2], s2 = s * t[3], c3 = t[4], s3 = s * t[5];
+            const T *t = w + 6 * k;  // positions 1, 2, 3: w^2k, w^k, w^3k
+            const T c2 = t[0], s2 = s * t[1], c1 = t[2], s1 = s * t[3], c3 = t[4], s3 = s * t[5];
             p1[i] = yr * c2 - yi * s2, p1[i + 1] = yr * s2 + yi * c2;
             p2[i] = ur * c1 - ui * s1, p2[i + 1] = ur * s1 + ui * c1;
             p3[i] = vr * c3 - vi * s3, p3[i + 1] = vr * s3 + vi * c3;
@@ -150,17 +151,17 @@ choice choose(int b) {
 #if DSP_FFT_AVX512
     if (level >= 3 && have_avx512())
         for (int width : {64, 32})
-            if (fits(width)) return {width / int(sizeof(T)), 3};
+            if (fits(width)) return {width / int(sizeof(T)), 3, true};
 #endif
 #if DSP_FFT_AVX2
-    if (level >= 2 && have_avx2() && fits(32)) return {32 / int(sizeof(T)), 2};
+    if (level >= 2 && have_avx2() && fits(32)) return {32 / int(sizeof(T)), 2, false};
 #endif
     if constexpr (base_vectors<T>) {
         if (level >= 1)
             for (int width = DSP_FFT_WIDTH; width >= 16; width /= 2)
-                if (fits(width)) return {width / int(sizeof(T)), 1};
+                if (fits(width)) return {width / int(sizeof(T)), 1, false};
     }
-    return {1, 0};
+    return {1, 0, false};
 }
 
 template <class T>
@@ -175,9 +176,9 @@ void transform(T *d, int b, choice k, const T *table, bool inverse, T scale) {
 #if DSP_FFT_VECTORS
     if constexpr (base_vectors<T>) {
 #if DSP_FFT_WIDTH >= 32
-        if (width == 32) return base::simd_transform<T, 32>(d, b, table, inverse, scale);
+        if (width == 32) return base::simd_transform<T, 32>(d, b, table, false, inverse, scale);
 #endif
-        return base::simd_transform<T, 16>(d, b, table, inverse, scale);
+        return base::simd_transform<T, 16>(d, b, table, false, inverse, scale);
     }
 #endif
     (void)d, (void)b, (void)width, (void)table, (void)inverse, (void)scale;

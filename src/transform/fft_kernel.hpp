@@ -9,28 +9,49 @@ namespace dsp::fft_kernel {
 // The kernel for a transform of 2^b points: `lanes` points per vector (1:
 // the scalar passes), `isa` the instruction set it was compiled for (0
 // scalar, 1 the build's own vectors, 2 AVX2 + FMA, 3 AVX-512).
+// eight: the kernel takes radix-8 stages (it has the registers for them).
 struct choice {
     int lanes;
     int isa;
+    bool eight;
 };
 template <class T>
 choice choose(int b);
 
-// Scalars in the table of a transform of n = 2^b points on `lanes` lanes.
-// With M = n / lanes: for each radix-4 stage of the transforms of length M
-// (quarter lengths m = M/4, M/16, ... down to 1 or 2), six scalars for each
-// k < m: re and im of w^k, w^2k, w^3k, w = e^(-2 pi i / 4m). Then, with
-// more than one lane, for each block c < M / lanes and l = 1 .. lanes - 1:
-// the re and then the im parts of w_n^(l (c lanes + i)), i < lanes.
-inline int64_t table_length(int b, int lanes) {
-    const int64_t M = (int64_t(1) << b) / lanes;
-    int64_t length = 0;
-    for (int64_t m = M / 4; m >= 1; m /= 4) length += 6 * m;
-    return lanes > 1 ? length + (M / lanes) * (lanes - 1) * 2 * lanes : length;
+// The radices of the stages of a transform of M = 2^mb points, largest span
+// first: radix 8 (with `eight`) or 4 as far as they go, then 4, 4 x 4 or 2.
+// Returns the number of stages. (Internal linkage: the kernels compiled for
+// other processors include this header too.)
+static constexpr int stage_radices(int mb, bool eight, int *radix) {
+    int count = 0, eights = eight ? mb / 3 : 0, rest = mb - 3 * eights;
+    if (rest == 1 && eights > 0) --eights, rest = 4;
+    for (int i = 0; i < eights; ++i) radix[count++] = 8;
+    for (; rest >= 2; rest -= 2) radix[count++] = 4;
+    if (rest == 1) radix[count++] = 2;
+    return count;
+}
+
+// Scalars in the table of a transform of n = 2^b points by the kernel k.
+// With M = n / k.lanes, for each stage of the transforms of length M (the
+// radices r of stage_radices, span r m): for each k < m, re and im of
+// w^(k rev(q)) for the output positions q = 1 .. r - 1, w = e^(-2 pi i / rm),
+// rev(q) the bit reversal of q over log2 r bits. Then, with more than one
+// lane, for each block c < M / lanes and l = 1 .. lanes - 1: the re and then
+// the im parts of w_n^(l (c lanes + i)), i < lanes.
+static constexpr int64_t table_length(int b, choice k) {
+    const int64_t M = (int64_t(1) << b) / k.lanes;
+    int radix[64] = {};
+    const int stages = stage_radices(b - __builtin_ctz(unsigned(k.lanes)), k.eight, radix);
+    int64_t length = 0, span = M;
+    for (int s = 0; s < stages; ++s) {
+        span /= radix[s];
+        length += 2 * (radix[s] - 1) * span;
+    }
+    return k.lanes > 1 ? length + (M / k.lanes) * (k.lanes - 1) * 2 * k.lanes : length;
 }
 
 // The transform of the n = 2^b >= 4 interleaved complex points at d, in
-// place, with the table for (b, k.lanes), k.lanes > 1: natural order out,
+// place, with the table for (b, k), k.lanes > 1: natural order out,
 // forward results multiplied by scale. inverse: conjugate twiddles.
 template <class T>
 void transform(T *d, int b, choice k, const T *table, bool inverse, T scale);

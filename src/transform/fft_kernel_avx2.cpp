@@ -11,10 +11,10 @@
 namespace dsp::fft_kernel::avx2 {
 
 void transform(float *d, int b, const float *table, bool inverse, float scale) {
-    simd_transform<float, 32>(d, b, table, inverse, scale);
+    simd_transform<float, 32>(d, b, table, false, inverse, scale);
 }
 void transform(double *d, int b, const double *table, bool inverse, double scale) {
-    simd_transform<double, 32>(d, b, table, inverse, scale);
+    simd_transform<double, 32>(d, b, table, false, inverse, scale);
 }
 
 }  // namespace dsp::fft_kernel::avx2

@@ -16,9 +16,9 @@ namespace dsp::fft_kernel::avx512 {
 template <class T>
 void run(T *d, int b, int width, const T *table, bool inverse, T scale) {
     if (width == 64)
-        simd_transform<T, 64>(d, b, table, inverse, scale);
+        simd_transform<T, 64>(d, b, table, true, inverse, scale);
     else
-        simd_transform<T, 32>(d, b, table, inverse, scale);
+        simd_transform<T, 32>(d, b, table, true, inverse, scale);
 }
 
 void transform(float *d, int b, int width, const float *table, bool inverse, float scale) {

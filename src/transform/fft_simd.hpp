@@ -34,6 +34,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "transform/fft_kernel.hpp"
+
 namespace dsp::fft_kernel::DSP_FFT_ISA {
 
 // Reversal of the low `bits` bits of i.
@@ -150,100 +152,146 @@ struct kernel {
     }
 
     T *d;
-    int stages;            // radix-4 stages of the first part
-    int64_t ms[32] = {};   // quarter length (in groups) of each, largest first
-    const T *tw[32] = {};  // twiddles of each, then the table of the second part
-    bool odd;              // a radix-2 stage ends the first part
+    int stages;            // stages of the first part
+    int radix[32] = {};    // their radices (2, 4 or 8), largest span first
+    int64_t ms[32] = {};   // span / radix, in groups
+    const T *tw[33] = {};  // twiddles of each, then the table of the second part
     int mbits;             // log2 M
 
-    kernel(T *data, int b, const T *table) : d(data) {
+    kernel(T *data, int b, const T *table, bool eight) : d(data) {
         mbits = b - __builtin_ctz(unsigned(V));
-        odd = mbits % 2 != 0;
-        stages = 0;
-        for (int64_t m = (int64_t(1) << mbits) / 4; m >= 1; m /= 4) {
-            ms[stages] = m;
-            tw[stages++] = table;
-            table += 6 * m;
+        stages = stage_radices(mbits, eight, radix);
+        int64_t span = int64_t(1) << mbits;
+        for (int s = 0; s < stages; ++s) {
+            ms[s] = span / radix[s];
+            tw[s] = table;
+            table += 2 * (radix[s] - 1) * ms[s];
+            span = ms[s];
         }
-        tw[stages] = table;  // the table of the second part
+        tw[stages] = table;
     }
 
-    // One radix-4 stage on the block of 4m groups from group B. First: the
-    // groups still hold interleaved points.
+    // Group p as (re, im) vectors; First: the group still holds interleaved points.
     template <bool First>
-    void pass(int64_t B, int64_t m, const T *w) const {
-        T *p0 = d + G * B, *p1 = p0 + G * m, *p2 = p1 + G * m, *p3 = p2 + G * m;
+    DSP_FFT_INLINE static void get(const T *p, vec &r, vec &i) {
+        if constexpr (First) {
+            const vec a = load(p), b = load(p + V);
+            r = even_(a, b, seq{});
+            i = odd_(a, b, seq{});
+        } else {
+            r = load(p), i = load(p + V);
+        }
+    }
+    DSP_FFT_INLINE static void put(T *p, vec r, vec i) {
+        store(p, r);
+        store(p + V, i);
+    }
+
+    // x times -i (forward) or +i (inverse).
+    DSP_FFT_INLINE static void rotate(vec &r, vec &i) {
+        const vec t = r;
+        if constexpr (Inverse) {
+            r = -i, i = t;
+        } else {
+            r = i, i = -t;
+        }
+    }
+
+    // The stages of the first part: decimation in frequency, the output of
+    // position q (the frequency bit-reversed from q) times w^(k rev(q)),
+    // w = e^(-2 pi i / (r m)), from the table (see table_length).
+    // Butterflies of 4 and 8 elements in place: x[j] in, at position q the
+    // frequency rev(q) of their DFT out (no twiddles).
+    DSP_FFT_INLINE static void butterfly4(vec *xr, vec *xi) {
+        const vec ar = xr[0] + xr[2], ai = xi[0] + xi[2];
+        const vec br = xr[1] + xr[3], bi = xi[1] + xi[3];
+        const vec cr = xr[0] - xr[2], ci = xi[0] - xi[2];
+        vec dr = xr[1] - xr[3], di = xi[1] - xi[3];
+        rotate(dr, di);
+        xr[0] = ar + br, xi[0] = ai + bi;
+        xr[1] = ar - br, xi[1] = ai - bi;
+        xr[2] = cr + dr, xi[2] = ci + di;
+        xr[3] = cr - dr, xi[3] = ci - di;
+    }
+
+    DSP_FFT_INLINE static void butterfly8(vec *xr, vec *xi) {
+        constexpr T h = T(0.707106781186547524400844362104849039L);  // sqrt(1/2)
+        vec ar[4], ai[4], br[4], bi[4];
+        static_for<4>([&](auto j) DSP_FFT_LAMBDA {
+            ar[j] = xr[j] + xr[j + 4], ai[j] = xi[j] + xi[j + 4];
+            br[j] = xr[j] - xr[j + 4], bi[j] = xi[j] - xi[j + 4];
+        });
+        // b1 w8, b2 (-i), b3 w8^3, conjugated for the inverse
+        const vec r1 = br[1], i1 = bi[1], r3 = br[3], i3 = bi[3];
+        if constexpr (Inverse) {
+            br[1] = (r1 - i1) * h, bi[1] = (r1 + i1) * h;
+            br[3] = -(r3 + i3) * h, bi[3] = (r3 - i3) * h;
+        } else {
+            br[1] = (r1 + i1) * h, bi[1] = (i1 - r1) * h;
+            br[3] = (i3 - r3) * h, bi[3] = -(r3 + i3) * h;
+        }
+        rotate(br[2], bi[2]);
+        // Four-point DFTs of a (the even frequencies) and of b (the odd
+        // ones): positions 0 A0, 1 A2, 2 A1, 3 A3, 4 B0, 5 B2, 6 B1, 7 B3.
+        butterfly4(ar, ai);
+        butterfly4(br, bi);
+        static_for<4>([&](auto j) DSP_FFT_LAMBDA {
+            xr[j] = ar[j], xi[j] = ai[j];
+            xr[j + 4] = br[j], xi[j + 4] = bi[j];
+        });
+    }
+
+    // A stage of radix R on the block of R m groups from group B.
+    template <int R, bool First>
+    void stage_pass(int64_t B, int64_t m, const T *w) const {
+        T *p = d + G * B;
+        const int64_t step = G * m;
         for (int64_t k = 0; k < m; ++k) {
-            const int64_t o = G * k;
-            vec x0r, x0i, x1r, x1i, x2r, x2i, x3r, x3i;
-            if constexpr (First) {
-                auto split = [](const T *p, vec &r, vec &i) {
-                    const vec a = load(p), b = load(p + V);
-                    r = even_(a, b, seq{});
-                    i = odd_(a, b, seq{});
-                };
-                split(p0 + o, x0r, x0i);
-                split(p1 + o, x1r, x1i);
-                split(p2 + o, x2r, x2i);
-                split(p3 + o, x3r, x3i);
+            T *q = p + G * k;
+            vec xr[R], xi[R];
+            static_for<R>([&](auto j) DSP_FFT_LAMBDA { get<First>(q + j * step, xr[j], xi[j]); });
+            if constexpr (R == 8) {
+                butterfly8(xr, xi);
+            } else if constexpr (R == 4) {
+                butterfly4(xr, xi);
             } else {
-                x0r = load(p0 + o), x0i = load(p0 + o + V);
-                x1r = load(p1 + o), x1i = load(p1 + o + V);
-                x2r = load(p2 + o), x2i = load(p2 + o + V);
-                x3r = load(p3 + o), x3i = load(p3 + o + V);
+                const vec tr = xr[0] - xr[1], ti = xi[0] - xi[1];
+                xr[0] += xr[1], xi[0] += xi[1];
+                xr[1] = tr, xi[1] = ti;
             }
-            const vec ar = x0r + x2r, ai = x0i + x2i;
-            const vec br = x1r + x3r, bi = x1i + x3i;
-            const vec cr = x0r - x2r, ci = x0i - x2i;
-            const vec dr = x1r - x3r, di = x1i - x3i;
-            vec yr = ar - br, yi = ai - bi;
-            // c -+ i d (forward) / c +- i d (inverse)
-            vec ur, ui, vr, vi;
-            if constexpr (Inverse) {
-                ur = cr - di, ui = ci + dr, vr = cr + di, vi = ci - dr;
-            } else {
-                ur = cr + di, ui = ci - dr, vr = cr - di, vi = ci + dr;
+            if (R > 2 && k != 0) {
+                const T *t = w + 2 * (R - 1) * k;
+                static_for<R - 1>([&](auto j) DSP_FFT_LAMBDA {
+                    twiddle(xr[j + 1], xi[j + 1], t[2 * j], t[2 * j + 1]);
+                });
             }
-            if (k != 0) {
-                const T *t = w + 6 * k;
-                twiddle(ur, ui, t[0], t[1]);
-                twiddle(yr, yi, t[2], t[3]);
-                twiddle(vr, vi, t[4], t[5]);
-            }
-            store(p0 + o, ar + br);
-            store(p0 + o + V, ai + bi);
-            store(p1 + o, yr);
-            store(p1 + o + V, yi);
-            store(p2 + o, ur);
-            store(p2 + o + V, ui);
-            store(p3 + o, vr);
-            store(p3 + o + V, vi);
+            static_for<R>([&](auto j) DSP_FFT_LAMBDA { put(q + j * step, xr[j], xi[j]); });
         }
     }
 
-    // The radix-2 stage that ends an odd M, on the groups from B to B + size.
-    void radix2(int64_t B, int64_t size) const {
-        for (T *p = d + G * B, *end = d + G * (B + size); p < end; p += 2 * G) {
-            const vec ar = load(p), ai = load(p + V), br = load(p + G), bi = load(p + G + V);
-            store(p, ar + br);
-            store(p + V, ai + bi);
-            store(p + G, ar - br);
-            store(p + G + V, ai - bi);
+    template <bool First>
+    void pass(int s, int64_t B) const {
+        switch (radix[s]) {
+            case 8:
+                return stage_pass<8, First>(B, ms[s], tw[s]);
+            case 4:
+                return stage_pass<4, First>(B, ms[s], tw[s]);
+            default:
+                return stage_pass<2, First>(B, ms[s], tw[s]);
         }
     }
 
-    // The first part from stage s on the block of 4 ms[s] groups from B.
+    // The first part from stage s on its block from group B.
     template <bool First>
     void first_part(int64_t B, int s) const {
-        const int64_t m = ms[s];
-        pass<First>(B, m, tw[s]);
-        if (4 * m * G * int64_t(sizeof(T)) > breadth_first_bytes && s + 1 < stages) {
-            for (int q = 0; q < 4; ++q) first_part<false>(B + q * m, s + 1);
+        const int64_t m = ms[s], span = radix[s] * m;
+        pass<First>(s, B);
+        if (span * G * int64_t(sizeof(T)) > breadth_first_bytes && s + 1 < stages) {
+            for (int q = 0; q < radix[s]; ++q) first_part<false>(B + q * m, s + 1);
             return;
         }
         for (int t = s + 1; t < stages; ++t)
-            for (int64_t blk = B; blk < B + 4 * m; blk += 4 * ms[t]) pass<false>(blk, ms[t], tw[t]);
-        if (odd) radix2(B, 4 * m);
+            for (int64_t blk = B; blk < B + span; blk += radix[t] * ms[t]) pass<false>(t, blk);
     }
 
     // V-point DFT across the vectors (x[l] lane by lane), leaving
@@ -292,14 +340,19 @@ struct kernel {
     // is at rows(i), and it writes the groups c + C k2.
     template <class Rows>
     DSP_FFT_INLINE void block(uint32_t c, Rows rows, const T *w, T scale) const {
-        constexpr int v = __builtin_ctz(unsigned(V));
-        const int64_t C = (int64_t(1) << mbits) / V;
         vec r[V], i[V];
         static_for<V>([&](auto row) DSP_FFT_LAMBDA {
             const T *p = rows(row);
             r[row] = load(p);
             i[row] = load(p + V);
         });
+        block(c, r, i, w, scale);
+    }
+
+    // The same with the rows in r, i.
+    DSP_FFT_INLINE void block(uint32_t c, vec *r, vec *i, const T *w, T scale) const {
+        constexpr int v = __builtin_ctz(unsigned(V));
+        const int64_t C = (int64_t(1) << mbits) / V;
         transpose<V / 2>(r);
         transpose<V / 2>(i);
         // r[l], i[l]: lane l of the V values k1 = c V + lane.
@@ -328,33 +381,49 @@ struct kernel {
         // Row i of block c is the group cr + C rev(i), cr the reversal of c.
         // Where c and cr differ, the rows of block cr (the groups c + C
         // rev(i), which block c overwrites) are copied aside first.
-        alignas(64) T rows[V * G] = {};
+        alignas(64) T rows[V * G];
         for (uint32_t c = 0; c < uint32_t(C); ++c) {
             const uint32_t cr = reverse(c, cbits);
             if (cr < c) continue;
-            T *mine = d + G * int64_t(cr), *theirs = d + G * int64_t(c);
-            if (cr != c) {
-                static_for<V>([&](auto row) DSP_FFT_LAMBDA {
-                    constexpr int j = int(reverse_const(decltype(row)::value, v));
-                    const T *p = theirs + G * C * j;
-                    store(rows + row * G, load(p));
-                    store(rows + row * G + V, load(p + V));
-                });
+            const T *mine = d + G * int64_t(cr), *theirs = d + G * int64_t(c);
+            auto own_rows = [&](auto row) DSP_FFT_LAMBDA {
+                constexpr int j = int(reverse_const(decltype(row)::value, v));
+                return mine + G * C * j;
+            };
+            if (cr == c) {  // also the single block of M = V
+                block(c, own_rows, w, scale);
+                continue;
             }
+            static_for<V>([&](auto row) DSP_FFT_LAMBDA {
+                constexpr int j = int(reverse_const(decltype(row)::value, v));
+                const T *p = theirs + G * C * j;
+                store(rows + row * G, load(p));
+                store(rows + row * G + V, load(p + V));
+            });
+            block(c, own_rows, w, scale);
             block(
-                c,
-                [&](auto row) DSP_FFT_LAMBDA {
-                    constexpr int j = int(reverse_const(decltype(row)::value, v));
-                    return mine + G * C * j;
-                },
-                w, scale);
-            if (cr != c)
-                block(
-                    cr, [&](auto row) DSP_FFT_LAMBDA { return rows + row * G; }, w, scale);
+                cr, [&](auto row) DSP_FFT_LAMBDA { return rows + row * G; }, w, scale);
         }
     }
 
     void run(T scale) const {
+        if (stages == 1 && mbits == __builtin_ctz(unsigned(V))) {
+            // M = V in a single stage: the whole transform in registers.
+            vec xr[V], xi[V], r[V], i[V];
+            static_for<V>([&](auto j) DSP_FFT_LAMBDA { get<true>(d + G * j, xr[j], xi[j]); });
+            if constexpr (V == 8) butterfly8(xr, xi);
+            if constexpr (V == 4) butterfly4(xr, xi);
+            if constexpr (V == 4 || V == 8) {
+                // Row i: the group of k1 = i, at position rev(i).
+                static_for<V>([&](auto row) DSP_FFT_LAMBDA {
+                    constexpr int j =
+                        int(reverse_const(decltype(row)::value, __builtin_ctz(unsigned(V))));
+                    r[row] = xr[j], i[row] = xi[j];
+                });
+                block(0, r, i, tw[stages], scale);
+                return;
+            }
+        }
         first_part<true>(0, 0);
         second_part(scale);
     }
@@ -363,11 +432,11 @@ struct kernel {
 // The natural-order transform of n = 2^b interleaved points in place, with
 // the table for (b, W / sizeof(T)); forward results times scale.
 template <class T, int W>
-inline void simd_transform(T *d, int b, const T *table, bool inverse, T scale) {
+inline void simd_transform(T *d, int b, const T *table, bool eight, bool inverse, T scale) {
     if (inverse)
-        kernel<T, W, true>(d, b, table).run(scale);
+        kernel<T, W, true>(d, b, table, eight).run(scale);
     else
-        kernel<T, W, false>(d, b, table).run(scale);
+        kernel<T, W, false>(d, b, table, eight).run(scale);
 }
 
 #endif  // DSP_FFT_VECTORS

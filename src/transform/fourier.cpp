@@ -111,8 +111,7 @@ const T *split_table(int b) {
 // with W^k = c - i s from the table w. Point k is read and written through
 // lo, its partner through hi; the two ranges never meet.
 template <bool Inverse, class T>
-inline void split_pair(T *DSP_RESTRICT lo, T *DSP_RESTRICT hi, const T *DSP_RESTRICT w,
-                       int64_t k) {
+inline void split_pair(T *DSP_RESTRICT lo, T *DSP_RESTRICT hi, const T *DSP_RESTRICT w, int64_t k) {
     const T ar = lo[2 * k], ai = lo[2 * k + 1];
     const T br = hi[-2 * k], bi = -hi[-2 * k + 1];
     const T pr = ar + br, pim = ai + bi;
@@ -516,14 +515,14 @@ int release_dft_scratch() {
     return 0;
 }
 
-#define DSP_INSTANTIATE(T)                      \
-    template int rfft<T>(signal_t<T> &);        \
-    template int irfft<T>(signal_t<T> &);       \
-    template int dft<T>(signal_t<T> &, int);    \
-    template int rdft<T>(signal_t<T> &);        \
-    template int irdft<T>(signal_t<T> &, int);  \
-    template int hilbert<T>(signal_t<T> &);     \
-    template int analytic<T>(signal_t<T> &);    \
+#define DSP_INSTANTIATE(T)                     \
+    template int rfft<T>(signal_t<T> &);       \
+    template int irfft<T>(signal_t<T> &);      \
+    template int dft<T>(signal_t<T> &, int);   \
+    template int rdft<T>(signal_t<T> &);       \
+    template int irdft<T>(signal_t<T> &, int); \
+    template int hilbert<T>(signal_t<T> &);    \
+    template int analytic<T>(signal_t<T> &);   \
     template int release_dft_scratch<T>();
 DSP_INSTANTIATE(float)
 DSP_INSTANTIATE(double)
