@@ -30,18 +30,24 @@ namespace dsp::fft_kernel {
 #define DSP_FFT_AVX512 0
 #endif
 
+// The kernels compiled for AVX2 and AVX-512 (fft_kernel_avx2.cpp,
+// fft_kernel_avx512.cpp), on vectors of `width` bytes.
+#define DSP_FFT_DECLARE(isa)                                                                   \
+    namespace isa {                                                                            \
+    void transform(float *d, int b, int width, const float *table, bool eight, bool inverse,   \
+                   float scale);                                                               \
+    void transform(double *d, int b, int width, const double *table, bool eight, bool inverse, \
+                   double scale);                                                              \
+    int64_t split(float *d, int64_t h, const float *w, int width, bool inverse);               \
+    int64_t split(double *d, int64_t h, const double *w, int width, bool inverse);             \
+    }
 #if DSP_FFT_AVX2
-namespace avx2 {
-void transform(float *d, int b, const float *table, bool inverse, float scale);
-void transform(double *d, int b, const double *table, bool inverse, double scale);
-}  // namespace avx2
+DSP_FFT_DECLARE(avx2)
 #endif
 #if DSP_FFT_AVX512
-namespace avx512 {
-void transform(float *d, int b, int width, const float *table, bool inverse, float scale);
-void transform(double *d, int b, int width, const double *table, bool inverse, double scale);
-}  // namespace avx512
+DSP_FFT_DECLARE(avx512)
 #endif
+#undef DSP_FFT_DECLARE
 
 namespace {
 
@@ -150,11 +156,13 @@ choice choose(int b) {
     };
 #if DSP_FFT_AVX512
     if (level >= 3 && have_avx512())
-        for (int width : {64, 32})
+        for (int width : {64, 32, 16})
             if (fits(width)) return {width / int(sizeof(T)), 3, true};
 #endif
 #if DSP_FFT_AVX2
-    if (level >= 2 && have_avx2() && fits(32)) return {32 / int(sizeof(T)), 2, false};
+    if (level >= 2 && have_avx2())
+        for (int width : {32, 16})
+            if (fits(width)) return {width / int(sizeof(T)), 2, false};
 #endif
     if constexpr (base_vectors<T>) {
         if (level >= 1)
@@ -168,10 +176,10 @@ template <class T>
 void transform(T *d, int b, choice k, const T *table, bool inverse, T scale) {
     const int width = k.lanes * int(sizeof(T));
 #if DSP_FFT_AVX512
-    if (k.isa == 3) return avx512::transform(d, b, width, table, inverse, scale);
+    if (k.isa == 3) return avx512::transform(d, b, width, table, k.eight, inverse, scale);
 #endif
 #if DSP_FFT_AVX2
-    if (k.isa == 2) return avx2::transform(d, b, table, inverse, scale);
+    if (k.isa == 2) return avx2::transform(d, b, width, table, k.eight, inverse, scale);
 #endif
 #if DSP_FFT_VECTORS
     if constexpr (base_vectors<T>) {
@@ -185,6 +193,35 @@ void transform(T *d, int b, choice k, const T *table, bool inverse, T scale) {
 }
 
 template <class T>
+int64_t real_split(T *d, int64_t h, const T *w, bool inverse) {
+    // The vectors of the kernel that transformed the h points: they read
+    // its results as it wrote them.
+    const choice k = choose<T>(__builtin_ctzll(uint64_t(h)));
+    const int width = k.lanes * int(sizeof(T));
+#if DSP_FFT_AVX512
+    if (k.isa == 3) return avx512::split(d, h, w, width, inverse);
+#endif
+#if DSP_FFT_AVX2
+    if (k.isa == 2) return avx2::split(d, h, w, width, inverse);
+#endif
+#if DSP_FFT_VECTORS
+    if constexpr (base_vectors<T>) {
+        if (k.isa == 1) {
+#if DSP_FFT_WIDTH >= 32
+            if (width == 32)
+                return inverse ? base::split_pairs<T, 32, true>(d, h, w)
+                               : base::split_pairs<T, 32, false>(d, h, w);
+#endif
+            return inverse ? base::split_pairs<T, 16, true>(d, h, w)
+                           : base::split_pairs<T, 16, false>(d, h, w);
+        }
+    }
+#endif
+    (void)d, (void)w, (void)inverse, (void)width;
+    return 1;
+}
+
+template <class T>
 void scalar_passes(T *d, int b, const T *table, bool inverse) {
     if (inverse)
         scalar_transform<T, true>(d, b, table);
@@ -195,7 +232,8 @@ void scalar_passes(T *d, int b, const T *table, bool inverse) {
 #define DSP_INSTANTIATE(T)                                            \
     template choice choose<T>(int);                                   \
     template void transform<T>(T *, int, choice, const T *, bool, T); \
-    template void scalar_passes<T>(T *, int, const T *, bool);
+    template void scalar_passes<T>(T *, int, const T *, bool);        \
+    template int64_t real_split<T>(T *, int64_t, const T *, bool);
 DSP_INSTANTIATE(float)
 DSP_INSTANTIATE(double)
 #undef DSP_INSTANTIATE

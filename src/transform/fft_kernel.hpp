@@ -61,6 +61,12 @@ void transform(T *d, int b, choice k, const T *table, bool inverse, T scale);
 template <class T>
 void scalar_passes(T *d, int b, const T *table, bool inverse);
 
+// The pairs (k, h - k) of the real FFT's split step on vectors (see
+// fourier.cpp), for k from 1 as far as whole vectors go; returns the first
+// k left to scalar code. w: (cos, sin) of 2 pi k / 2h.
+template <class T>
+int64_t real_split(T *d, int64_t h, const T *w, bool inverse);
+
 // Limits the kernels used from now on (for tests and benchmarks): 0 scalar
 // code only, 1 the vectors the library was built for, 2 also AVX2, 3 also
 // AVX-512 (max_level, the default), each where the processor has it.

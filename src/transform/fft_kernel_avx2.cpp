@@ -10,11 +10,34 @@
 
 namespace dsp::fft_kernel::avx2 {
 
-void transform(float *d, int b, const float *table, bool inverse, float scale) {
-    simd_transform<float, 32>(d, b, table, false, inverse, scale);
+template <class T>
+void run(T *d, int b, int width, const T *table, bool eight, bool inverse, T scale) {
+    if (width == 32)
+        simd_transform<T, 32>(d, b, table, eight, inverse, scale);
+    else
+        simd_transform<T, 16>(d, b, table, eight, inverse, scale);
 }
-void transform(double *d, int b, const double *table, bool inverse, double scale) {
-    simd_transform<double, 32>(d, b, table, false, inverse, scale);
+
+template <class T>
+int64_t split(T *d, int64_t h, const T *w, int width, bool inverse) {
+    if (width == 32)
+        return inverse ? split_pairs<T, 32, true>(d, h, w) : split_pairs<T, 32, false>(d, h, w);
+    return inverse ? split_pairs<T, 16, true>(d, h, w) : split_pairs<T, 16, false>(d, h, w);
+}
+
+void transform(float *d, int b, int width, const float *table, bool eight, bool inverse,
+               float scale) {
+    run(d, b, width, table, eight, inverse, scale);
+}
+void transform(double *d, int b, int width, const double *table, bool eight, bool inverse,
+               double scale) {
+    run(d, b, width, table, eight, inverse, scale);
+}
+int64_t split(float *d, int64_t h, const float *w, int width, bool inverse) {
+    return split<float>(d, h, w, width, inverse);
+}
+int64_t split(double *d, int64_t h, const double *w, int width, bool inverse) {
+    return split<double>(d, h, w, width, inverse);
 }
 
 }  // namespace dsp::fft_kernel::avx2

@@ -118,6 +118,35 @@ constexpr uint32_t reverse_const(uint32_t i, int bits) {
     return r;
 }
 
+// Interleaved points: the order of the points reversed, the two parts of
+// each point exchanged, and lane Part of each point copied to both.
+template <class vec, std::size_t... t>
+inline vec reverse_points_(vec v, std::index_sequence<t...>) {
+    constexpr int N = int(sizeof...(t));
+    return __builtin_shufflevector(v, v, int(N - 2 - (t & ~std::size_t(1)) + (t & 1))...);
+}
+template <class vec>
+inline vec reverse_points(vec v) {
+    return reverse_points_(v, std::make_index_sequence<sizeof(vec) / sizeof(v[0])>{});
+}
+template <class vec, std::size_t... t>
+inline vec swap_pairs_(vec v, std::index_sequence<t...>) {
+    return __builtin_shufflevector(v, v, int(t ^ 1)...);
+}
+template <class vec>
+inline vec swap_pairs(vec v) {
+    return swap_pairs_(v, std::make_index_sequence<sizeof(vec) / sizeof(v[0])>{});
+}
+// The vector one point (two lanes) on from a, continuing into b.
+template <class vec, std::size_t... t>
+inline vec shift_point_(vec a, vec b, std::index_sequence<t...>) {
+    return __builtin_shufflevector(a, b, int(t + 2)...);
+}
+template <int Part, class vec, std::size_t... t>
+inline vec pick_(vec v, std::index_sequence<t...>) {
+    return __builtin_shufflevector(v, v, int((t & ~std::size_t(1)) + Part)...);
+}
+
 // cos(2 pi t / 16), t = 0 .. 4, from their exact values.
 constexpr long double cos16[5] = {1.0L, 0.923879532511286756128183189396788933L,
                                   0.707106781186547524400844362104849039L,
@@ -437,6 +466,49 @@ inline void simd_transform(T *d, int b, const T *table, bool eight, bool inverse
         kernel<T, W, true>(d, b, table, eight).run(scale);
     else
         kernel<T, W, false>(d, b, table, eight).run(scale);
+}
+
+// The pairs (k, h - k) of the real FFT's split (see fourier.cpp) on
+// vectors of L = N/2 interleaved points, for k from 1 while a whole vector
+// of them lies below h/2. w: (cos, sin) of 2 pi k / 2h. Returns the first k
+// left to scalar code. The vectors are read where the transform wrote them
+// (whole vectors from d on), so that the processor forwards the values from
+// its store buffer: the points h-k-L+1 .. h-k are such a vector, and the
+// points k .. k+L-1 (one point off) are put together from two.
+template <class T, int W, bool Inverse>
+inline int64_t split_pairs(T *d, int64_t h, const T *w) {
+    using vec = typename vtype<T, W>::type;
+    constexpr int N = W / int(sizeof(T)), L = N / 2;
+    using seq = std::make_index_sequence<std::size_t(N)>;
+    auto load = [](const T *p) {
+        vec v;
+        __builtin_memcpy(&v, p, sizeof v);
+        return v;
+    };
+    auto store = [](T *p, vec v) { __builtin_memcpy(p, &v, sizeof v); };
+    vec alt;  // (1, -1, 1, -1, ...): conjugates interleaved points
+    for (int t = 0; t < N; ++t) alt[t] = t % 2 ? T(-1) : T(1);
+    const T f = Inverse ? T(1) : T(0.25);
+    T *hi = d + 2 * h;
+    int64_t k = 1;
+    if (2 * L >= h) return k;
+    vec next = load(d);
+    for (; 2 * (k + L - 1) < h; k += L) {
+        const vec before = next;
+        next = load(d + 2 * (k - 1) + N);
+        T *back = hi - 2 * (k + L - 1);  // points h-k-L+1 .. h-k
+        const vec a = shift_point_(before, next, seq{});
+        const vec b = reverse_points(load(back)) * alt;
+        const vec p = a + b, dd = a - b;
+        const vec wv = load(w + 2 * k);
+        const vec c = pick_<0>(wv, seq{}), s = pick_<1>(wv, seq{});
+        // forward: q = -i W^k D, inverse: q = i conj(W^k) D, W^k = c - i s
+        const vec cd = swap_pairs(dd) * c;
+        const vec q = (Inverse ? -cd : cd) * alt - dd * s;
+        store(d + 2 * k, f * (p + q));
+        store(back, reverse_points(f * (p - q) * alt));
+    }
+    return k;
 }
 
 #endif  // DSP_FFT_VECTORS

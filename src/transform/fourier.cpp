@@ -44,15 +44,12 @@
 #include <cstdint>
 #include <cstdlib>
 
-#if defined(__SSE2__) && !defined(DSP_NO_SIMD)
-#include <emmintrin.h>
-#endif
-
 #include "elementwise/convert.hpp"
 #include "elementwise/differences.hpp"
 #include "elementwise/rearrange.hpp"
 #include "frame/record.hpp"
 #include "transform/fft.hpp"
+#include "transform/fft_kernel.hpp"
 
 #if defined(__GNUC__) || defined(__clang__)
 #define DSP_RESTRICT __restrict__
@@ -132,67 +129,11 @@ inline void split_pair(T *DSP_RESTRICT lo, T *DSP_RESTRICT hi, const T *DSP_REST
     hi[-2 * k + 1] = -f * (pim - qi);
 }
 
-#if defined(__SSE2__) && !defined(DSP_NO_SIMD)
-// The same pairs on SSE2 vectors: two pairs per step in single precision,
-// one in double precision. Returns the first k left to the scalar loop.
-template <bool Inverse>
-int64_t split_vector(float *d, int64_t h, const float *w) {
-    const __m128 odd = _mm_castsi128_ps(_mm_set_epi32(INT32_MIN, 0, INT32_MIN, 0));
-    const __m128 even = _mm_castsi128_ps(_mm_set_epi32(0, INT32_MIN, 0, INT32_MIN));
-    const __m128 f = _mm_set1_ps(Inverse ? 1.0f : 0.25f);
-    float *hi = d + 2 * h;
-    int64_t k = 1;
-    for (; k + 1 < h / 2; k += 2) {
-        const __m128 a = _mm_loadu_ps(d + 2 * k);
-        __m128 b = _mm_loadu_ps(hi - 2 * k - 2);  // points h-k-1, h-k
-        b = _mm_xor_ps(_mm_shuffle_ps(b, b, _MM_SHUFFLE(1, 0, 3, 2)), odd);
-        const __m128 p = _mm_add_ps(a, b), dd = _mm_sub_ps(a, b);
-        const __m128 wv = _mm_loadu_ps(w + 2 * k);
-        const __m128 c = _mm_shuffle_ps(wv, wv, _MM_SHUFFLE(2, 2, 0, 0));
-        const __m128 s = _mm_shuffle_ps(wv, wv, _MM_SHUFFLE(3, 3, 1, 1));
-        const __m128 ds = _mm_shuffle_ps(dd, dd, _MM_SHUFFLE(2, 3, 0, 1));
-        const __m128 sign = Inverse ? even : odd;
-        const __m128 wd = _mm_add_ps(_mm_mul_ps(c, dd), _mm_mul_ps(s, _mm_xor_ps(ds, sign)));
-        const __m128 q = _mm_xor_ps(_mm_shuffle_ps(wd, wd, _MM_SHUFFLE(2, 3, 0, 1)), sign);
-        const __m128 x = _mm_mul_ps(f, _mm_add_ps(p, q));
-        __m128 y = _mm_mul_ps(f, _mm_xor_ps(_mm_sub_ps(p, q), odd));
-        y = _mm_shuffle_ps(y, y, _MM_SHUFFLE(1, 0, 3, 2));
-        _mm_storeu_ps(d + 2 * k, x);
-        _mm_storeu_ps(hi - 2 * k - 2, y);
-    }
-    return k;
-}
-
-template <bool Inverse>
-int64_t split_vector(double *d, int64_t h, const double *w) {
-    const __m128d odd = _mm_castsi128_pd(_mm_set_epi64x(INT64_MIN, 0));
-    const __m128d even = _mm_castsi128_pd(_mm_set_epi64x(0, INT64_MIN));
-    const __m128d f = _mm_set1_pd(Inverse ? 1.0 : 0.25);
-    double *hi = d + 2 * h;
-    int64_t k = 1;
-    for (; k < h / 2; ++k) {
-        const __m128d a = _mm_loadu_pd(d + 2 * k);
-        const __m128d b = _mm_xor_pd(_mm_loadu_pd(hi - 2 * k), odd);
-        const __m128d p = _mm_add_pd(a, b), dd = _mm_sub_pd(a, b);
-        const __m128d c = _mm_set1_pd(w[2 * k]), s = _mm_set1_pd(w[2 * k + 1]);
-        const __m128d ds = _mm_shuffle_pd(dd, dd, 1);
-        const __m128d sign = Inverse ? even : odd;
-        const __m128d wd = _mm_add_pd(_mm_mul_pd(c, dd), _mm_mul_pd(s, _mm_xor_pd(ds, sign)));
-        const __m128d q = _mm_xor_pd(_mm_shuffle_pd(wd, wd, 1), sign);
-        _mm_storeu_pd(d + 2 * k, _mm_mul_pd(f, _mm_add_pd(p, q)));
-        _mm_storeu_pd(hi - 2 * k, _mm_mul_pd(f, _mm_xor_pd(_mm_sub_pd(p, q), odd)));
-    }
-    return k;
-}
-#endif
-
+// The pairs on the vectors of the FFT kernel, the rest here.
 template <bool Inverse, class T>
 void split_pairs(T *d, int64_t h, const T *w) {
-    int64_t k = 1;
-#if defined(__SSE2__) && !defined(DSP_NO_SIMD)
-    k = split_vector<Inverse>(d, h, w);
-#endif
-    for (; k < h / 2; ++k) split_pair<Inverse>(d, d + 2 * h, w, k);
+    for (int64_t k = fft_kernel::real_split<T>(d, h, w, Inverse); k < h / 2; ++k)
+        split_pair<Inverse>(d, d + 2 * h, w, k);
 }
 
 // Post-processing of the half-length complex FFT into the half spectrum.
