@@ -405,6 +405,16 @@ int fft(signal_t<T> &x, int inverse) {
 }
 
 template <class T>
+int chirp_convolve(T *d, int b, const T *chirp, const T *K, int64_t n, T scale) {
+    const fft_kernel::choice k = fft_kernel::choose<T>(b);
+    if (k.lanes == 1) return 1;
+    const T *tw = twiddles<T>(b, k);
+    if (!tw) return -1;
+    fft_kernel::convolve<T>(d, b, k, tw, chirp, K, n, scale);
+    return 0;
+}
+
+template <class T>
 int raw_fft(T *data, int n, int cplx, int inverse) {
     signal_t<T> x;
     init<T>(x);
@@ -427,12 +437,13 @@ int release_twiddle_tables() {
     return 0;
 }
 
-#define DSP_INSTANTIATE(T)                       \
-    template int fft<T>(signal_t<T> &, int);     \
-    template int raw_fft<T>(T *, int, int, int); \
-    template int bitrev<T>(signal_t<T> &);       \
-    template int bitrev_scale<T>(signal_t<T> &); \
-    template int release_bitrev_tables<T>();     \
+#define DSP_INSTANTIATE(T)                                                      \
+    template int fft<T>(signal_t<T> &, int);                                    \
+    template int raw_fft<T>(T *, int, int, int);                                \
+    template int chirp_convolve<T>(T *, int, const T *, const T *, int64_t, T); \
+    template int bitrev<T>(signal_t<T> &);                                      \
+    template int bitrev_scale<T>(signal_t<T> &);                                \
+    template int release_bitrev_tables<T>();                                    \
     template int release_twiddle_tables<T>();
 DSP_INSTANTIATE(float)
 DSP_INSTANTIATE(double)

@@ -18,6 +18,7 @@
 #define DSP_FFT_WIDTH 16
 #endif
 #include "transform/fft_simd.hpp"
+#include "transform/mixed_simd.hpp"
 
 namespace dsp::fft_kernel {
 
@@ -32,14 +33,22 @@ namespace dsp::fft_kernel {
 
 // The kernels compiled for AVX2 and AVX-512 (fft_kernel_avx2.cpp,
 // fft_kernel_avx512.cpp), on vectors of `width` bytes.
-#define DSP_FFT_DECLARE(isa)                                                                   \
-    namespace isa {                                                                            \
-    void transform(float *d, int b, int width, const float *table, bool eight, bool inverse,   \
-                   float scale);                                                               \
-    void transform(double *d, int b, int width, const double *table, bool eight, bool inverse, \
-                   double scale);                                                              \
-    int64_t split(float *d, int64_t h, const float *w, int width, bool inverse);               \
-    int64_t split(double *d, int64_t h, const double *w, int width, bool inverse);             \
+#define DSP_FFT_DECLARE(isa)                                                                      \
+    namespace isa {                                                                               \
+    void transform(float *d, int b, int width, const float *table, bool eight, bool inverse,      \
+                   float scale);                                                                  \
+    void transform(double *d, int b, int width, const double *table, bool eight, bool inverse,    \
+                   double scale);                                                                 \
+    int64_t split(float *d, int64_t h, const float *w, int width, bool inverse);                  \
+    int64_t split(double *d, int64_t h, const double *w, int width, bool inverse);                \
+    void convolve(float *d, int b, int width, const float *table, bool eight, const float *chirp, \
+                  const float *K, int64_t n, float scale);                                        \
+    void convolve(double *d, int b, int width, const double *table, bool eight,                   \
+                  const double *chirp, const double *K, int64_t n, double scale);                 \
+    void mixed(const mixed_plan<float> &plan, float *d, float *scratch, bool inverse,             \
+               float scale);                                                                      \
+    void mixed(const mixed_plan<double> &plan, double *d, double *scratch, bool inverse,          \
+               double scale);                                                                     \
     }
 #if DSP_FFT_AVX2
 DSP_FFT_DECLARE(avx2)
@@ -141,6 +150,8 @@ int level = max_level;
 
 }  // namespace
 
+int kernel_level() { return level; }
+
 int select_kernels(int wanted) {
     level = wanted;
     const int have = available();
@@ -193,6 +204,71 @@ void transform(T *d, int b, choice k, const T *table, bool inverse, T scale) {
 }
 
 template <class T>
+void convolve(T *d, int b, choice k, const T *table, const T *chirp, const T *K, int64_t n,
+              T scale) {
+    const int width = k.lanes * int(sizeof(T));
+#if DSP_FFT_AVX512
+    if (k.isa == 3) return avx512::convolve(d, b, width, table, k.eight, chirp, K, n, scale);
+#endif
+#if DSP_FFT_AVX2
+    if (k.isa == 2) return avx2::convolve(d, b, width, table, k.eight, chirp, K, n, scale);
+#endif
+#if DSP_FFT_VECTORS
+    if constexpr (base_vectors<T>) {
+#if DSP_FFT_WIDTH >= 32
+        if (width == 32) return base::simd_convolve<T, 32>(d, b, table, false, chirp, K, n, scale);
+#endif
+        return base::simd_convolve<T, 16>(d, b, table, false, chirp, K, n, scale);
+    }
+#endif
+    (void)d, (void)b, (void)width, (void)table, (void)chirp, (void)K, (void)n, (void)scale;
+}
+
+template <class T>
+bool mixed_candidate(int i, int *isa, int *width) {
+    // Candidates in order: AVX-512 (64, 32, 16 bytes), AVX2 (32, 16), the
+    // build's vectors (down to 16), then scalar code.
+    int list[8][2] = {}, count = 0;
+#if DSP_FFT_AVX512
+    if (level >= 3 && have_avx512())
+        for (int w : {64, 32, 16}) list[count][0] = 3, list[count++][1] = w;
+#endif
+#if DSP_FFT_AVX2
+    if (level >= 2 && have_avx2())
+        for (int w : {32, 16}) list[count][0] = 2, list[count++][1] = w;
+#endif
+    if constexpr (base_vectors<T>) {
+        if (level >= 1)
+            for (int w = DSP_FFT_WIDTH; w >= 16; w /= 2) list[count][0] = 1, list[count++][1] = w;
+    }
+    list[count][0] = 0, list[count++][1] = 0;
+    if (i >= count) return false;
+    *isa = list[i][0], *width = list[i][1];
+    return true;
+}
+
+template <class T>
+void mixed(const mixed_plan<T> &plan, T *d, T *scratch, bool inverse, T scale) {
+#if DSP_FFT_AVX512
+    if (plan.isa == 3) return avx512::mixed(plan, d, scratch, inverse, scale);
+#endif
+#if DSP_FFT_AVX2
+    if (plan.isa == 2) return avx2::mixed(plan, d, scratch, inverse, scale);
+#endif
+#if DSP_FFT_VECTORS
+    if constexpr (base_vectors<T>) {
+#if DSP_FFT_WIDTH >= 32
+        if (plan.isa == 1 && plan.width == 32)
+            return base::mixed_transform<base::cvector<T, 32>>(plan, d, scratch, inverse, scale);
+#endif
+        if (plan.isa == 1)
+            return base::mixed_transform<base::cvector<T, 16>>(plan, d, scratch, inverse, scale);
+    }
+#endif
+    base::mixed_transform<base::cscalar<T>>(plan, d, scratch, inverse, scale);
+}
+
+template <class T>
 int64_t real_split(T *d, int64_t h, const T *w, bool inverse) {
     // The vectors of the kernel that transformed the h points: they read
     // its results as it wrote them.
@@ -229,11 +305,14 @@ void scalar_passes(T *d, int b, const T *table, bool inverse) {
         scalar_transform<T, false>(d, b, table);
 }
 
-#define DSP_INSTANTIATE(T)                                            \
-    template choice choose<T>(int);                                   \
-    template void transform<T>(T *, int, choice, const T *, bool, T); \
-    template void scalar_passes<T>(T *, int, const T *, bool);        \
-    template int64_t real_split<T>(T *, int64_t, const T *, bool);
+#define DSP_INSTANTIATE(T)                                                                    \
+    template choice choose<T>(int);                                                           \
+    template void transform<T>(T *, int, choice, const T *, bool, T);                         \
+    template void scalar_passes<T>(T *, int, const T *, bool);                                \
+    template int64_t real_split<T>(T *, int64_t, const T *, bool);                            \
+    template void convolve<T>(T *, int, choice, const T *, const T *, const T *, int64_t, T); \
+    template bool mixed_candidate<T>(int, int *, int *);                                      \
+    template void mixed<T>(const mixed_plan<T> &, T *, T *, bool, T);
 DSP_INSTANTIATE(float)
 DSP_INSTANTIATE(double)
 #undef DSP_INSTANTIATE

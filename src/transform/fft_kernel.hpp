@@ -61,11 +61,47 @@ void transform(T *d, int b, choice k, const T *table, bool inverse, T scale);
 template <class T>
 void scalar_passes(T *d, int b, const T *table, bool inverse);
 
+// The convolution of a chirp-z transform of n points over N = 2^b points
+// (N >= 2n - 2) with the kernel k (k.lanes > 1) and its table, in place:
+// the forward transform of the n points at d times the chirp (n points; the
+// points from n on count as zero), times the kernel spectrum K (N points,
+// the transform of the kernel divided by N), the inverse transform, and its
+// first n points times the chirp and scale written back to d.
+template <class T>
+void convolve(T *d, int b, choice k, const T *table, const T *chirp, const T *K, int64_t n,
+              T scale);
+
 // The pairs (k, h - k) of the real FFT's split step on vectors (see
 // fourier.cpp), for k from 1 as far as whole vectors go; returns the first
 // k left to scalar code. w: (cos, sin) of 2 pi k / 2h.
 template <class T>
 int64_t real_split(T *d, int64_t h, const T *w, bool inverse);
+
+// A mixed-radix transform of n points (factors 2, 3, 5, 7; see
+// mixed_simd.hpp): its kernel (isa as in choice, width the vector bytes, 0
+// for scalar code) and its Stockham stages, with stride s, count m and the
+// twiddle table of each.
+template <class T>
+struct mixed_plan {
+    int64_t n = 0;
+    int isa = 0, width = 0;
+    int stages = 0;
+    int level = -1;  // select_kernels level it was made for
+    int radix[32] = {};
+    int64_t s[32] = {}, m[32] = {};
+    const T *tw[32] = {};
+};
+
+// The mixed-radix transform of the plan on the n points at d in place
+// (scratch: room for n more points); forward results times scale.
+template <class T>
+void mixed(const mixed_plan<T> &plan, T *d, T *scratch, bool inverse, T scale);
+
+// The kernels offered for mixed-radix transforms, widest first: for i = 0,
+// 1, ... while it returns true, *isa and *width (bytes, 0 for scalar code)
+// of candidate i.
+template <class T>
+bool mixed_candidate(int i, int *isa, int *width);
 
 // Limits the kernels used from now on (for tests and benchmarks): 0 scalar
 // code only, 1 the vectors the library was built for, 2 also AVX2, 3 also
@@ -73,5 +109,7 @@ int64_t real_split(T *d, int64_t h, const T *w, bool inverse);
 // Returns the level actually available up to `level`.
 constexpr int max_level = 3;
 int select_kernels(int level);
+// The level set by select_kernels.
+int kernel_level();
 
 }  // namespace dsp::fft_kernel

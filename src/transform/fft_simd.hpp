@@ -157,7 +157,12 @@ constexpr long double cos16[5] = {1.0L, 0.923879532511286756128183189396788933L,
 // (depth first), so that the later stages run on data in cache.
 constexpr int64_t breadth_first_bytes = 16 * 1024;
 
-template <class T, int W, bool Inverse>
+// What the transform reads first and writes last: plain (in place, the
+// forward results times `scale`), or the two transforms of a chirp-z
+// convolution (see convolve below).
+enum mode { plain, chirp_forward, chirp_inverse };
+
+template <class T, int W, bool Inverse, mode Mode = plain>
 struct kernel {
     using vec = typename vtype<T, W>::type;
     static constexpr int V = W / int(sizeof(T));
@@ -181,11 +186,15 @@ struct kernel {
     }
 
     T *d;
-    int stages;            // stages of the first part
-    int radix[32] = {};    // their radices (2, 4 or 8), largest span first
-    int64_t ms[32] = {};   // span / radix, in groups
-    const T *tw[33] = {};  // twiddles of each, then the table of the second part
-    int mbits;             // log2 M
+    T scale = T(1);
+    const T *chirp = nullptr;     // chirp_forward / chirp_inverse: n points
+    const T *spectrum = nullptr;  // chirp_forward: the kernel spectrum
+    int64_t n = 0;                // points of the chirp-z transform
+    int stages;                   // stages of the first part
+    int radix[32] = {};           // their radices (2, 4 or 8), largest span first
+    int64_t ms[32] = {};          // span / radix, in groups
+    const T *tw[33] = {};         // twiddles of each, then the table of the second part
+    int mbits;                    // log2 M
 
     kernel(T *data, int b, const T *table, bool eight) : d(data) {
         mbits = b - __builtin_ctz(unsigned(V));
@@ -200,10 +209,29 @@ struct kernel {
         tw[stages] = table;
     }
 
-    // Group p as (re, im) vectors; First: the group still holds interleaved points.
+    // Group p as (re, im) vectors. First: the group still holds interleaved
+    // points; for chirp_forward, those of the input times the chirp, zero
+    // from point n on.
     template <bool First>
-    DSP_FFT_INLINE static void get(const T *p, vec &r, vec &i) {
-        if constexpr (First) {
+    DSP_FFT_INLINE void get(const T *p, vec &r, vec &i) const {
+        if constexpr (First && Mode == chirp_forward) {
+            const int64_t at = (p - d) / 2;  // first point of the group
+            if (at >= n) {
+                r = i = vec{};
+                return;
+            }
+            vec a, b, ca, cb;
+            if (at + V <= n) {
+                a = load(p), b = load(p + V);
+                ca = load(chirp + 2 * at), cb = load(chirp + 2 * at + V);
+            } else {
+                alignas(64) T x[G] = {}, c[G] = {};
+                for (int64_t j = 0; j < 2 * (n - at); ++j) x[j] = p[j], c[j] = chirp[2 * at + j];
+                a = load(x), b = load(x + V), ca = load(c), cb = load(c + V);
+            }
+            r = even_(a, b, seq{}), i = odd_(a, b, seq{});
+            times(r, i, even_(ca, cb, seq{}), odd_(ca, cb, seq{}));
+        } else if constexpr (First) {
             const vec a = load(p), b = load(p + V);
             r = even_(a, b, seq{});
             i = odd_(a, b, seq{});
@@ -214,6 +242,48 @@ struct kernel {
     DSP_FFT_INLINE static void put(T *p, vec r, vec i) {
         store(p, r);
         store(p + V, i);
+    }
+
+    // (r, i) times (cr, ci).
+    DSP_FFT_INLINE static void times(vec &r, vec &i, vec cr, vec ci) {
+        const vec t = r * cr - i * ci;
+        i = r * ci + i * cr;
+        r = t;
+    }
+
+    // The last write: the output group at p interleaved again, after the
+    // scaling (plain forward), the product with the kernel spectrum
+    // (chirp_forward), or the product with the chirp and the scale, for the
+    // points below n only (chirp_inverse).
+    DSP_FFT_INLINE void emit(T *p, vec r, vec i) const {
+        if constexpr (Mode == chirp_forward) {
+            const vec a = load(spectrum + (p - d)), b = load(spectrum + (p - d) + V);
+            times(r, i, even_(a, b, seq{}), odd_(a, b, seq{}));
+        } else if constexpr (Mode == chirp_inverse) {
+            const int64_t at = (p - d) / 2;
+            if (at >= n) return;
+            vec ca, cb;
+            const bool whole = at + V <= n;
+            if (whole) {
+                ca = load(chirp + 2 * at), cb = load(chirp + 2 * at + V);
+            } else {
+                alignas(64) T c[G] = {};
+                for (int64_t j = 0; j < 2 * (n - at); ++j) c[j] = chirp[2 * at + j];
+                ca = load(c), cb = load(c + V);
+            }
+            times(r, i, even_(ca, cb, seq{}) * scale, odd_(ca, cb, seq{}) * scale);
+            if (!whole) {
+                alignas(64) T out[G];
+                store(out, zip_<0>(r, i, seq{}));
+                store(out + V, zip_<1>(r, i, seq{}));
+                for (int64_t j = 0; j < 2 * (n - at); ++j) p[j] = out[j];
+                return;
+            }
+        } else if constexpr (!Inverse) {
+            r *= scale, i *= scale;
+        }
+        store(p, zip_<0>(r, i, seq{}));
+        store(p + V, zip_<1>(r, i, seq{}));
     }
 
     // x times -i (forward) or +i (inverse).
@@ -368,18 +438,18 @@ struct kernel {
     // The second part for block c: row i (the group of k1 = c V + i, i < V)
     // is at rows(i), and it writes the groups c + C k2.
     template <class Rows>
-    DSP_FFT_INLINE void block(uint32_t c, Rows rows, const T *w, T scale) const {
+    DSP_FFT_INLINE void block(uint32_t c, Rows rows, const T *w) const {
         vec r[V], i[V];
         static_for<V>([&](auto row) DSP_FFT_LAMBDA {
             const T *p = rows(row);
             r[row] = load(p);
             i[row] = load(p + V);
         });
-        block(c, r, i, w, scale);
+        block(c, r, i, w);
     }
 
     // The same with the rows in r, i.
-    DSP_FFT_INLINE void block(uint32_t c, vec *r, vec *i, const T *w, T scale) const {
+    DSP_FFT_INLINE void block(uint32_t c, vec *r, vec *i, const T *w) const {
         constexpr int v = __builtin_ctz(unsigned(V));
         const int64_t C = (int64_t(1) << mbits) / V;
         transpose<V / 2>(r);
@@ -394,15 +464,11 @@ struct kernel {
         static_for<V>([&](auto kk) DSP_FFT_LAMBDA {
             constexpr int k = decltype(kk)::value;
             constexpr int rk = int(reverse_const(k, v));
-            vec zr = r[rk], zi = i[rk];
-            if constexpr (!Inverse) zr *= scale, zi *= scale;
-            T *p = d + G * (int64_t(c) + C * k);
-            store(p, zip_<0>(zr, zi, seq{}));
-            store(p + V, zip_<1>(zr, zi, seq{}));
+            emit(d + G * (int64_t(c) + C * k), r[rk], i[rk]);
         });
     }
 
-    void second_part(T scale) const {
+    void second_part() const {
         constexpr int v = __builtin_ctz(unsigned(V));
         const int cbits = mbits - v;
         const int64_t C = int64_t(1) << cbits;
@@ -420,7 +486,7 @@ struct kernel {
                 return mine + G * C * j;
             };
             if (cr == c) {  // also the single block of M = V
-                block(c, own_rows, w, scale);
+                block(c, own_rows, w);
                 continue;
             }
             static_for<V>([&](auto row) DSP_FFT_LAMBDA {
@@ -429,13 +495,13 @@ struct kernel {
                 store(rows + row * G, load(p));
                 store(rows + row * G + V, load(p + V));
             });
-            block(c, own_rows, w, scale);
+            block(c, own_rows, w);
             block(
-                cr, [&](auto row) DSP_FFT_LAMBDA { return rows + row * G; }, w, scale);
+                cr, [&](auto row) DSP_FFT_LAMBDA { return rows + row * G; }, w);
         }
     }
 
-    void run(T scale) const {
+    void run() const {
         if (stages == 1 && mbits == __builtin_ctz(unsigned(V))) {
             // M = V in a single stage: the whole transform in registers.
             vec xr[V], xi[V], r[V], i[V];
@@ -449,12 +515,12 @@ struct kernel {
                         int(reverse_const(decltype(row)::value, __builtin_ctz(unsigned(V))));
                     r[row] = xr[j], i[row] = xi[j];
                 });
-                block(0, r, i, tw[stages], scale);
+                block(0, r, i, tw[stages]);
                 return;
             }
         }
         first_part<true>(0, 0);
-        second_part(scale);
+        second_part();
     }
 };
 
@@ -462,10 +528,29 @@ struct kernel {
 // the table for (b, W / sizeof(T)); forward results times scale.
 template <class T, int W>
 inline void simd_transform(T *d, int b, const T *table, bool eight, bool inverse, T scale) {
-    if (inverse)
-        kernel<T, W, true>(d, b, table, eight).run(scale);
-    else
-        kernel<T, W, false>(d, b, table, eight).run(scale);
+    if (inverse) {
+        kernel<T, W, true>(d, b, table, eight).run();
+    } else {
+        kernel<T, W, false> k(d, b, table, eight);
+        k.scale = scale;
+        k.run();
+    }
+}
+
+// The circular convolution of a chirp-z transform of n points over the
+// N = 2^b points at d: the forward transform of the n points at d times
+// the chirp (zero from n on) multiplied by the kernel spectrum K (N points,
+// with the 1/N of the convolution), then the inverse transform, whose first
+// n points are stored times the chirp and `scale`.
+template <class T, int W>
+inline void simd_convolve(T *d, int b, const T *table, bool eight, const T *chirp, const T *K,
+                          int64_t n, T scale) {
+    kernel<T, W, false, chirp_forward> f(d, b, table, eight);
+    f.chirp = chirp, f.spectrum = K, f.n = n;
+    f.run();
+    kernel<T, W, true, chirp_inverse> i(d, b, table, eight);
+    i.chirp = chirp, i.n = n, i.scale = scale;
+    i.run();
 }
 
 // The pairs (k, h - k) of the real FFT's split (see fourier.cpp) on

@@ -31,12 +31,14 @@
 // integer part of log2(n - 1.5): M > 2n - 3, so the kernel's support
 // -(n - 1) .. n - 1 never wraps onto a different value (for M = 2n - 2 the
 // two copies of b[n - 1] meet at one index and agree). The kernel record
-// holds b at 0 .. n - 1 and at M - n + 1 .. M - 1 and is transformed once:
-// K = M * FFT(b), the unnormalised spectrum, because the forward FFT's 1/M
-// and the unscaled inverse then leave exactly the circular convolution.
-// The transform's own factor (1/n forward, 1 inverse) is applied with the
-// final chirp. The inverse direction uses conj c, whose kernel spectrum is
-// the reversed conjugate, K'[k] = conj K[(M - k) mod M]: a change of
+// holds b at 0 .. n - 1 and at M - n + 1 .. M - 1 and is transformed once
+// by the forward FFT: K = FFT(b), the spectrum with the factor 1/M that the
+// convolution needs, so that the unscaled transform of x c times K,
+// transformed back unscaled, is exactly the circular convolution. The vector
+// kernels do all of it in two passes over the data (fft_kernel::convolve);
+// otherwise the FFT's own 1/M is made good at the end. The transform's own
+// factor (1/n forward, 1 inverse) is applied with the final chirp. The inverse direction uses conj
+// c, whose kernel spectrum is the reversed conjugate, K'[k] = conj K[(M - k) mod M]: a change of
 // direction alone conjugates the chirp and reverses the kernel in place.
 #include "transform/fourier.hpp"
 
@@ -50,6 +52,7 @@
 #include "frame/record.hpp"
 #include "transform/fft.hpp"
 #include "transform/fft_kernel.hpp"
+#include "transform/mixed.hpp"
 
 #if defined(__GNUC__) || defined(__clang__)
 #define DSP_RESTRICT __restrict__
@@ -241,9 +244,7 @@ int prepare_chirp(int32_t n, int inverse) {
         kd[2 * (m - j)] = c.data[2 * j];
         kd[2 * (m - j) + 1] = -c.data[2 * j + 1];
     }
-    if (fft<T>(K, 0) != 0) return -1;
-    const T mm = T(m);
-    for (int64_t i = 0; i < 2 * m; ++i) kd[i] *= mm;
+    if (fft<T>(K, 0) != 0) return -1;  // with the 1/M of the convolution
     cache::n = n;
     cache::inverse = inverse;
     return 0;
@@ -260,31 +261,49 @@ int chirp_z(signal_t<T> &x, int inverse) {
     const T *K = chirp_cache<T>::kernel.data;
     const int32_t m = chirp_cache<T>::kernel.n;
     if (rtoc<T>(x) != 0) return -1;
-    T *d = x.data;
-    for (int64_t k = 0; k < n; ++k) {
-        const T re = d[2 * k], im = d[2 * k + 1];
-        d[2 * k] = re * c[2 * k] - im * c[2 * k + 1];
-        d[2 * k + 1] = re * c[2 * k + 1] + im * c[2 * k];
-    }
-    if (zpad<T>(x, m) != 0) return -1;
-    if (fft<T>(x, 0) != 0) return -1;
-    d = x.data;
-    for (int64_t k = 0; k < m; ++k) {
-        const T re = d[2 * k], im = d[2 * k + 1];
-        d[2 * k] = re * K[2 * k] - im * K[2 * k + 1];
-        d[2 * k + 1] = re * K[2 * k + 1] + im * K[2 * k];
-    }
-    if (fft<T>(x, 1) != 0) return -1;
-    x.n = n;
-    d = x.data;
     const T s = inverse ? T(1) : T(1.0 / double(n));
-    for (int64_t k = 0; k < n; ++k) {
-        const T re = d[2 * k], im = d[2 * k + 1];
-        d[2 * k] = s * (re * c[2 * k] - im * c[2 * k + 1]);
-        d[2 * k + 1] = s * (re * c[2 * k + 1] + im * c[2 * k]);
+    // Room for the m points of the convolution, keeping the n points.
+    x.n = m;
+    if (realloc<T>(x, n, 1) != 0) return -1;
+    x.n = n;
+    const int status = chirp_convolve<T>(x.data, log2_of(m), c, K, n, s);
+    if (status < 0) return -1;
+    if (status > 0) {
+        // Through the plain transforms: chirp, zeros to m, forward FFT (its
+        // 1/m made good at the end), kernel spectrum, inverse FFT, chirp.
+        T *d = x.data;
+        for (int64_t k = 0; k < n; ++k) {
+            const T re = d[2 * k], im = d[2 * k + 1];
+            d[2 * k] = re * c[2 * k] - im * c[2 * k + 1];
+            d[2 * k + 1] = re * c[2 * k + 1] + im * c[2 * k];
+        }
+        if (zpad<T>(x, m) != 0) return -1;
+        if (fft<T>(x, 0) != 0) return -1;
+        d = x.data;
+        for (int64_t k = 0; k < m; ++k) {
+            const T re = d[2 * k], im = d[2 * k + 1];
+            d[2 * k] = re * K[2 * k] - im * K[2 * k + 1];
+            d[2 * k + 1] = re * K[2 * k + 1] + im * K[2 * k];
+        }
+        if (fft<T>(x, 1) != 0) return -1;
+        x.n = n;
+        d = x.data;
+        const T sm = s * T(m);
+        for (int64_t k = 0; k < n; ++k) {
+            const T re = d[2 * k], im = d[2 * k + 1];
+            d[2 * k] = sm * (re * c[2 * k] - im * c[2 * k + 1]);
+            d[2 * k + 1] = sm * (re * c[2 * k + 1] + im * c[2 * k]);
+        }
     }
     x.delta = delta;
     return 0;
+}
+
+// The DFT of a length that is not a power of two: mixed radix for lengths
+// with factors 2, 3, 5 and 7 only, the chirp-z transform for the others.
+template <class T>
+int any_length(signal_t<T> &x, int inverse) {
+    return smooth(x.n) ? mixed_dft<T>(x, inverse) : chirp_z<T>(x, inverse);
 }
 
 }  // namespace
@@ -359,7 +378,7 @@ int dft(signal_t<T> &x, int inverse) {
     }
     if (power_of_two(n)) return fft<T>(x, inverse);
     const T delta = x.delta;
-    if (chirp_z<T>(x, inverse ? 1 : 0) != 0) return -1;
+    if (any_length<T>(x, inverse ? 1 : 0) != 0) return -1;
     x.delta = transformed_spacing(delta, T(n));
     return 0;
 }
@@ -371,7 +390,7 @@ int rdft(signal_t<T> &x) {
     if (power_of_two(n)) return rfft<T>(x);
     if (n >= 2) {
         const T delta = x.delta;
-        if (chirp_z<T>(x, 0) != 0) return -1;
+        if (any_length<T>(x, 0) != 0) return -1;
         x.delta = transformed_spacing(delta, T(n));
         x.n = n / 2 + 1;
         return 0;
@@ -390,7 +409,7 @@ int irdft(signal_t<T> &x, int odd) {
         x.delta = transformed_spacing(x.delta, T(1));
     } else if (!power_of_two(n)) {
         const T delta = x.delta;
-        if (chirp_z<T>(x, 1) != 0) return -1;
+        if (any_length<T>(x, 1) != 0) return -1;
         x.delta = transformed_spacing(delta, T(n));
     } else if (fft<T>(x, 1) != 0) {
         return -1;
@@ -453,6 +472,7 @@ int release_dft_scratch() {
         std::free(t);
         t = nullptr;
     }
+    release_mixed<T>();
     return 0;
 }
 
