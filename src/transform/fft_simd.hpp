@@ -340,16 +340,58 @@ struct kernel {
         });
     }
 
-    // A stage of radix R on the block of R m groups from group B.
-    template <int R, bool First>
+    // The same DFT by radix-2 decimation in frequency when the elements
+    // from Z on are zero (the chirp-z input past its n points), sparing the
+    // additions and products of zeros.
+    template <int R, int Z>
+    DSP_FFT_INLINE static void dif(vec *xr, vec *xi) {
+        if constexpr (R > 1) {
+            constexpr int H = R / 2;
+            static_for<H>([&](auto jj) DSP_FFT_LAMBDA {
+                constexpr int j = decltype(jj)::value;
+                vec &ar = xr[j], &ai = xi[j], &br = xr[j + H], &bi = xi[j + H];
+                if constexpr (j < Z) {
+                    vec tr = ar, ti = ai;
+                    if constexpr (j + H < Z) {
+                        tr = ar - br, ti = ai - bi;
+                        ar += br, ai += bi;
+                    }
+                    // times w_R^j = e^(-2 pi i t / 16), t = 16 j / R
+                    constexpr int t = 16 * j / R;
+                    br = tr, bi = ti;
+                    if constexpr (t == 4) {
+                        rotate(br, bi);
+                    } else if constexpr (t != 0) {
+                        const T c = T(t <= 4 ? cos16[t] : -cos16[8 - t]);
+                        const T s = T(t <= 4 ? -cos16[4 - t] : -cos16[t - 4]);
+                        twiddle(br, bi, c, s);
+                    }
+                }
+            });
+            constexpr int Z2 = Z < H ? Z : H;
+            dif<H, Z2>(xr, xi);
+            dif<H, Z2>(xr + H, xi + H);
+        }
+    }
+
+    // A stage of radix R on the block of R m groups from group B; the
+    // elements from Z on are zero (see dif).
+    template <int R, bool First, int Z = R>
     void stage_pass(int64_t B, int64_t m, const T *w) const {
         T *p = d + G * B;
         const int64_t step = G * m;
         for (int64_t k = 0; k < m; ++k) {
             T *q = p + G * k;
             vec xr[R], xi[R];
-            static_for<R>([&](auto j) DSP_FFT_LAMBDA { get<First>(q + j * step, xr[j], xi[j]); });
-            if constexpr (R == 8) {
+            static_for<R>([&](auto j) DSP_FFT_LAMBDA {
+                if constexpr (j < Z)
+                    get<First>(q + j * step, xr[j], xi[j]);
+                else
+                    xr[j] = xi[j] = vec{};
+            });
+            if constexpr (Z < R) {
+                dif<R, Z>(xr, xi);
+            } else if constexpr (R == 8) {
                 butterfly8(xr, xi);
             } else if constexpr (R == 4) {
                 butterfly4(xr, xi);
@@ -380,11 +422,38 @@ struct kernel {
         }
     }
 
+    // The first stage of the chirp-z forward transform, where the elements
+    // of a butterfly (span R m groups) that hold points from n on are zero.
+    template <int R>
+    void pass_pruned(int64_t m) const {
+        const int64_t nonzero = (n + V * m - 1) / (V * m);
+        if (nonzero <= 1) return stage_pass<R, true, 1>(0, m, tw[0]);
+        if constexpr (R >= 4)
+            if (nonzero <= 2) return stage_pass<R, true, 2>(0, m, tw[0]);
+        if constexpr (R >= 8)
+            if (nonzero <= 4) return stage_pass<R, true, 4>(0, m, tw[0]);
+        stage_pass<R, true>(0, m, tw[0]);
+    }
+
     // The first part from stage s on its block from group B.
     template <bool First>
     void first_part(int64_t B, int s) const {
         const int64_t m = ms[s], span = radix[s] * m;
-        pass<First>(s, B);
+        if constexpr (First && Mode == chirp_forward) {
+            switch (radix[0]) {
+                case 8:
+                    pass_pruned<8>(m);
+                    break;
+                case 4:
+                    pass_pruned<4>(m);
+                    break;
+                default:
+                    pass_pruned<2>(m);
+                    break;
+            }
+        } else {
+            pass<First>(s, B);
+        }
         if (span * G * int64_t(sizeof(T)) > breadth_first_bytes && s + 1 < stages) {
             for (int q = 0; q < radix[s]; ++q) first_part<false>(B + q * m, s + 1);
             return;
