@@ -278,25 +278,23 @@ int exp10(signal_t<T> &x) {
         }
         return 0;
     }
-    int64_t end = x.n;
     if constexpr (single<T>) {
         // The single family stops advancing at a sample below -L: every
         // remaining step looks at that same sample and leaves it, so it and
-        // all later samples keep their input values.
-        // (blocks without such a sample are passed over in vector code)
-        for (int64_t b = 0; b < end; b += 256) {
-            const int64_t e = std::min(end, b + 256);
+        // all later samples keep their input values. (Blocks are searched
+        // for such a sample, then passed to the vector code.)
+        for (int64_t b = 0; b < x.n; b += 256) {
+            const int64_t e = std::min<int64_t>(x.n, b + 256);
             bool below = false;
             for (int64_t i = b; i < e; ++i) below |= d[i] < -L;
-            if (!below) continue;
-            for (int64_t i = b; i < e; ++i)
-                if (d[i] < -L) {
-                    end = i;
-                    break;
-                }
+            int64_t end = e;
+            if (below) end = std::find_if(d + b, d + e, [](T v) { return v < -L; }) - d;
+            vmath::exp10<T>(d + b, end - b);
+            if (end < e) return 0;
         }
+        return 0;
     }
-    vmath::exp10<T>(d, end);  // below -L in double: underflows to 0
+    vmath::exp10<T>(d, x.n);  // below -L in double: underflows to 0
     return 0;
 }
 

@@ -119,6 +119,9 @@ DSP_VMATH_INLINE To convert(From x) {
 // instruction (which the vector units before AVX-512 lack for 64 bits).
 template <class D>
 DSP_VMATH_INLINE D to_double(ivec<D> k) {
+#if DSP_VMATH_WIDTH >= 64 && defined(__AVX512DQ__) && defined(__AVX512VL__)
+    if constexpr (!std::is_arithmetic_v<D>) return __builtin_convertvector(k, D);
+#endif
     constexpr double magic = 0x1.8p52;
     return as_double<D>(as_int(D{} + magic) + k) - magic;
 }
@@ -395,8 +398,7 @@ DSP_VMATH_INLINE D log_any(D x) {
         y = Ten ? log_single(x) * ivln10 : log_single(x);
     else
         y = Ten ? log10_positive(x) : log_positive(x);
-    y = pick<D>(mask<D>(x == inf), inf, y);
-    return pick<D>(mask<D>(x != x), x, y);
+    return pick<D>(mask<D>(x < inf), y, x);  // x itself for +infinity and NaN
 }
 
 // exp(x) for any x (NaN stays NaN, beyond 709.78 infinity, below -745.13
@@ -451,26 +453,43 @@ DSP_VMATH_INLINE D hypot_any(D a, D b) {
 }
 
 // ---------------------------------------------------------------------------
-// Loops over the samples of a record: op maps a vector of doubles (the
-// samples, widened) to the results, which are rounded back to T. A last
-// part shorter than a vector goes through a padded copy, so that every
-// sample takes the same arithmetic.
+// Loops over the samples of a record: op maps a vector of samples (T
+// lanes, as many as D has) to the results. A last part shorter than a
+// vector goes through a padded copy, so that every sample takes the same
+// arithmetic.
+
+// The vector of T with as many lanes as D.
+template <class D, class T>
+using tvec = std::conditional_t<std::is_same_v<T, double>, D, fvec<D>>;
+
+// Samples widened to doubles, and doubles rounded to T.
+template <class D, class V>
+DSP_VMATH_INLINE D widen(V x) {
+#if DSP_VMATH_WIDTH >= 64 && defined(__AVX512F__)
+    // (GCC converts the two halves apart and joins them; the intrinsic's
+    // header trips GCC 12's uninitialised-use warning)
+    if constexpr (sizeof(D) == 64 && sizeof(V) == 32) {
+        D r;
+        __asm__("vcvtps2pd %1, %0" : "=v"(r) : "v"(x));
+        return r;
+    }
+#endif
+    return convert<D>(x);
+}
+template <class V, class D>
+DSP_VMATH_INLINE V narrow(D y) {
+    return convert<V>(y);
+}
 
 template <class D, class T, class Op>
 DSP_VMATH_INLINE void apply(T *d, int64_t n, Op op) {
     constexpr int L = shape<D>::lanes;
+    using V = tvec<D, T>;
     auto one = [&](T *p) DSP_VMATH_LAMBDA {
-        if constexpr (std::is_same_v<T, double>) {
-            D x;
-            std::memcpy(&x, p, sizeof x);
-            const D y = op(x);
-            std::memcpy(p, &y, sizeof y);
-        } else {
-            fvec<D> f;
-            std::memcpy(&f, p, sizeof f);
-            const fvec<D> y = convert<fvec<D>>(op(convert<D>(f)));
-            std::memcpy(p, &y, sizeof y);
-        }
+        V x;
+        std::memcpy(&x, p, sizeof x);
+        const V y = op(x);
+        std::memcpy(p, &y, sizeof y);
     };
     int64_t i = 0;
     for (; i + L <= n; i += L) one(d + i);
@@ -482,24 +501,25 @@ DSP_VMATH_INLINE void apply(T *d, int64_t n, Op op) {
     }
 }
 
-// The double y rounded to T (float results take their float value).
-template <class T, class D>
-DSP_VMATH_INLINE D rounded(D y) {
-    if constexpr (std::is_same_v<T, float>)
-        return convert<D>(convert<fvec<D>>(y));
-    else
-        return y;
+// Lane by lane: c ? a : b, for c a comparison of vectors (or scalars) of a
+// and b's shape.
+template <class M, class V>
+DSP_VMATH_INLINE V choose(M c, V a, V b) {
+    return c ? a : b;
 }
 
 // x < F: sub; otherwise k log(x) (base ten with Ten), the logarithm
-// rounded to T before the product, which is formed in T.
+// rounded to T before the product, which is formed in T (for floats, the
+// exact double product of two floats rounded once: the float product).
 template <class D, class T, bool Ten>
 void log_loop(T *d, int64_t n, T k, T sub) {
-    constexpr double F = double(precision<T>::normal_min);
-    apply<D>(d, n, [&](D x) DSP_VMATH_LAMBDA {
-        D y = log_any<D, Ten, std::is_same_v<T, float>>(x);
-        if (k != T(1)) y = rounded<T>(rounded<T>(y) * double(k));
-        return pick<D>(mask<D>(x < F), splat<D>(double(sub)), y);
+    using V = tvec<D, T>;
+    constexpr T F = precision<T>::normal_min;
+    const V subs = V{} + sub;
+    apply<D>(d, n, [&](V x) DSP_VMATH_LAMBDA {
+        V y = narrow<V>(log_any<D, Ten, std::is_same_v<T, float>>(widen<D>(x)));
+        if (k != T(1)) y = y * k;
+        return choose(x < F, subs, y);
     });
 }
 
@@ -508,15 +528,17 @@ void log_loop(T *d, int64_t n, T k, T sub) {
 template <class D, class T, bool Ten>
 void exp_loop(T *d, int64_t n) {
     using C = precision<T>;
-    constexpr double top = double(Ten ? C::exp10_max : C::exp_max);
-    apply<D>(d, n, [&](D x) DSP_VMATH_LAMBDA {
-        const D arg = Ten ? rounded<T>(x * double(C::ln10)) : x;
+    using V = tvec<D, T>;
+    constexpr T top = Ten ? C::exp10_max : C::exp_max;
+    const V large = V{} + C::large;
+    apply<D>(d, n, [&](V x) DSP_VMATH_LAMBDA {
+        const D arg = widen<D>(Ten ? x * C::ln10 : x);
         D e;
         if constexpr (std::is_same_v<T, float>)
             e = exp_single(arg);
         else
             e = exp_any(arg);
-        return pick<D>(mask<D>(x > top), splat<D>(double(C::large)), e);
+        return choose(x > top, large, narrow<V>(e));
     });
 }
 
@@ -545,6 +567,30 @@ void magnitude_loop(T *d, int64_t n) {
     }
 }
 
+// Whether every lane of the mask m is set.
+template <class D>
+DSP_VMATH_INLINE bool all_set(ivec<D> m) {
+    if constexpr (std::is_arithmetic_v<D>) {
+        return m != 0;
+#if DSP_VMATH_WIDTH >= 64 && defined(__AVX512DQ__)
+    } else if constexpr (sizeof(D) == 64) {
+        return _mm512_movepi64_mask(__m512i(m)) == 0xff;
+#endif
+#if DSP_VMATH_WIDTH >= 32 && defined(__AVX__)
+    } else if constexpr (sizeof(D) == 32) {
+        return _mm256_movemask_pd(__m256d(as_double<D>(m))) == 15;
+#endif
+#if DSP_VMATH_WIDTH >= 16 && defined(__SSE2__)
+    } else if constexpr (sizeof(D) == 16) {
+        return _mm_movemask_pd(__m128d(as_double<D>(m))) == 3;
+#endif
+    } else {
+        bool all = true;
+        for (int t = 0; t < shape<D>::lanes; ++t) all &= m[t] != 0;
+        return all;
+    }
+}
+
 // The single family's decibel walk (see arith.cpp) over a stretch where
 // every value it reads is at least F: for j < pairs, d[2j] becomes sub and
 // d[2j + 1] k log10 d[2j]. Stops at the first vector of pairs with a value
@@ -563,14 +609,10 @@ int64_t db_pairs_loop(float *d, int64_t pairs, float k, float sub) {
         for (; j + L <= pairs; j += L) {
             F2 two;
             std::memcpy(&two, d + 2 * j, sizeof two);
-            const D x = convert<D>(evens<F1>(two, seq));
-            const ivec<D> ok = mask<D>(x >= F);
-            bool all = true;
-            for (int t = 0; t < L; ++t) all &= ok[t] != 0;
-            if (!all) break;
-            const D y = rounded<float>(rounded<float>(log_any<D, true, true>(x)) * double(k));
-            const F2 out = interleave<F2>(subs, convert<F1>(y),
-                                          std::make_index_sequence<std::size_t(2 * L)>{});
+            const D x = widen<D>(evens<F1>(two, seq));
+            if (!all_set<D>(mask<D>(x >= F))) break;
+            const F1 y = convert<F1>(log_any<D, true, true>(x)) * k;
+            const F2 out = interleave<F2>(subs, y, std::make_index_sequence<std::size_t(2 * L)>{});
             std::memcpy(d + 2 * j, &out, sizeof out);
         }
         return j;
@@ -585,8 +627,8 @@ int64_t db_pairs_loop(float *d, int64_t pairs, float k, float sub) {
             low |= !(v >= float(F));
         }
         if (low) break;
-        D y = rounded<float>(rounded<float>(log_any<D, true, true>(x)) * double(k));
-        for (int t = 0; t < L; ++t) d[2 * (j + t)] = sub, d[2 * (j + t) + 1] = float(lane(y, t));
+        const fvec<D> y = convert<fvec<D>>(log_any<D, true, true>(x)) * k;
+        for (int t = 0; t < L; ++t) d[2 * (j + t)] = sub, d[2 * (j + t) + 1] = lane(y, t);
     }
     return j;
 }
