@@ -3,6 +3,8 @@
 // code where there are no vectors of doubles.
 #include "elementwise/vmath.hpp"
 
+#include "frame/cpu.hpp"
+
 #if defined(__SSE2__) || defined(__aarch64__)
 #define DSP_VMATH_WIDTH 16
 #else
@@ -57,33 +59,13 @@ namespace {
 
 int level = max_level;
 
-#if DSP_VMATH_AVX2
-bool have_avx2() {
-    static const bool yes = [] {
-        __builtin_cpu_init();
-        return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
-    }();
-    return yes;
-}
-#endif
-#if DSP_VMATH_AVX512
-bool have_avx512() {
-    static const bool yes = [] {
-        __builtin_cpu_init();
-        return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
-               __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("fma");
-    }();
-    return yes;
-}
-#endif
-
 // The kernel in use: 3 AVX-512, 2 AVX2, 1 the build's vectors, 0 scalar.
 int kernel() {
 #if DSP_VMATH_AVX512
     if (level >= 3 && have_avx512()) return 3;
 #endif
 #if DSP_VMATH_AVX2
-    if (level >= 2 && have_avx2()) return 2;
+    if (level >= 2 && have_avx2_fma()) return 2;
 #endif
     return level >= 1 && DSP_VMATH_WIDTH >= 16 ? 1 : 0;
 }
@@ -94,7 +76,7 @@ int select_kernels(int wanted) {
     level = wanted;
     int have = DSP_VMATH_WIDTH >= 16 ? 1 : 0;
 #if DSP_VMATH_AVX2
-    if (have_avx2()) have = 2;
+    if (have_avx2_fma()) have = 2;
 #endif
 #if DSP_VMATH_AVX512
     if (have_avx512()) have = 3;

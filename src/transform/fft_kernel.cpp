@@ -4,6 +4,8 @@
 // transforms and processors without vectors.
 #include "transform/fft_kernel.hpp"
 
+#include "frame/cpu.hpp"
+
 #if (defined(__clang__) || (defined(__GNUC__) && __GNUC__ >= 12)) && \
     (defined(__SSE2__) || defined(__ARM_NEON) || defined(__aarch64__))
 #define DSP_FFT_VECTORS 1
@@ -106,26 +108,6 @@ void scalar_transform(T *d, int b, const T *tw) {
     }
 }
 
-#if DSP_FFT_AVX2
-bool have_avx2() {
-    static const bool yes = [] {
-        __builtin_cpu_init();
-        return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
-    }();
-    return yes;
-}
-#endif
-#if DSP_FFT_AVX512
-bool have_avx512() {
-    static const bool yes = [] {
-        __builtin_cpu_init();
-        return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
-               __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("fma");
-    }();
-    return yes;
-}
-#endif
-
 // The build's own vectors hold doubles on x86 and 64-bit ARM, not on 32-bit ARM.
 #if defined(__SSE2__) || defined(__aarch64__)
 constexpr bool double_vectors = true;
@@ -138,7 +120,7 @@ constexpr bool base_vectors = DSP_FFT_VECTORS && (sizeof(T) == 4 || double_vecto
 int available() {
     int have = DSP_FFT_VECTORS ? 1 : 0;
 #if DSP_FFT_AVX2
-    if (have_avx2()) have = 2;
+    if (have_avx2_fma()) have = 2;
 #endif
 #if DSP_FFT_AVX512
     if (have_avx512()) have = 3;
@@ -171,7 +153,7 @@ choice choose(int b) {
             if (fits(width)) return {width / int(sizeof(T)), 3, true};
 #endif
 #if DSP_FFT_AVX2
-    if (level >= 2 && have_avx2())
+    if (level >= 2 && have_avx2_fma())
         for (int width : {32, 16})
             if (fits(width)) return {width / int(sizeof(T)), 2, false};
 #endif
@@ -234,7 +216,7 @@ bool mixed_candidate(int i, int *isa, int *width) {
         for (int w : {64, 32, 16}) list[count][0] = 3, list[count++][1] = w;
 #endif
 #if DSP_FFT_AVX2
-    if (level >= 2 && have_avx2())
+    if (level >= 2 && have_avx2_fma())
         for (int w : {32, 16}) list[count][0] = 2, list[count++][1] = w;
 #endif
     if constexpr (base_vectors<T>) {
