@@ -234,6 +234,18 @@ DSP_VMATH_INLINE D product_error(D a, D b, D p) {
 #endif
 }
 
+// a - b of integers wrapping around (lanes whose results are thrown away
+// may hold any bits).
+template <class I>
+DSP_VMATH_INLINE I minus(I a, I b) {
+    if constexpr (std::is_arithmetic_v<I>) {
+        return I(uint64_t(a) - uint64_t(b));
+    } else {
+        typedef uint64_t U __attribute__((vector_size(sizeof(I))));
+        return __builtin_bit_cast(I, __builtin_bit_cast(U, a) - __builtin_bit_cast(U, b));
+    }
+}
+
 // The natural logarithm of positive, normal, finite x as an unevaluated
 // sum hi + lo (|lo| below half a unit of hi, the whole within about 2^-59
 // of the value).
@@ -353,9 +365,9 @@ template <class D>
 DSP_VMATH_INLINE D log_single(D x) {
     using I = ivec<D>;
     constexpr double ln2 = 0.6931471805599453;
-    const I tmp = as_int(x) - int64_t(0x3fe6955500000000);
+    const I tmp = minus<I>(as_int(x), I{} + int64_t(0x3fe6955500000000));
     const I k = tmp >> 52;
-    const D z = as_double<D>(as_int(x) - (tmp & int64_t(0xfff0000000000000)));
+    const D z = as_double<D>(minus<I>(as_int(x), tmp & int64_t(0xfff0000000000000)));
     const I piece = tmp >> 48;
     const D r = z * lookup16<D>(single_invc, piece) - 1.0;
     // q = -1/2 + r/3 - r^2/4 + ... - r^8/10, in pairs (shorter chains)
@@ -376,7 +388,7 @@ DSP_VMATH_INLINE D exp_single(D x) {
                      lo = 1.1926343307941173e-11, shifter = 0x1.8p52;
     const D t = x * inv + shifter;
     const D dk = t - shifter;
-    const I k = as_int(t) - as_int(splat<D>(shifter));
+    const I k = minus<I>(as_int(t), as_int(splat<D>(shifter)));
     const D r = (x - dk * hi) - dk * lo;
     // q = 1 + r/2 + r^2/6 + ... + r^5/720, in pairs
     const D r2 = r * r;
@@ -412,7 +424,7 @@ DSP_VMATH_INLINE D exp_any(D x) {
     xc = pick<D>(mask<D>(xc < -746.0), splat<D>(-746.0), xc);  // also NaN stays NaN
     const D t = xc * invln2 + shifter;
     const D dk = t - shifter;
-    const I k = as_int(t) - as_int(splat<D>(shifter));
+    const I k = minus<I>(as_int(t), as_int(splat<D>(shifter)));
     const D r_hi = xc - dk * ln2_hi;  // exact
     const D r_lo = dk * ln2_lo;
     const D r = r_hi - r_lo;
