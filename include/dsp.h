@@ -395,7 +395,8 @@ DSP_API int dspi_bitrev_scale(dsp_signal *x);
  * wrapped in a temporary record that does not own the array. Complex data
  * is transformed in the caller's array. Real data must not be passed: the
  * transform widens the temporary record into storage of its own, so the
- * result is not in the caller's array and that storage is never released.
+ * result never reaches the caller's array (that storage is released; the
+ * status is that of the transform).
  */
 DSP_API int cf_dspfi_fft(float *data, int n, int cplx, int inverse);
 DSP_API int cf_dspi_fft(double *data, int n, int cplx, int inverse);

@@ -135,10 +135,18 @@ uint32_t *build_fixed(int b) {
 inline void to_quadrant(uint64_t q, long double c0, long double s0, long double &c,
                         long double &s) {
     switch (q) {
-        case 0: c = c0, s = s0; break;
-        case 1: c = -s0, s = c0; break;
-        case 2: c = -c0, s = -s0; break;
-        default: c = s0, s = -c0; break;
+        case 0:
+            c = c0, s = s0;
+            break;
+        case 1:
+            c = -s0, s = c0;
+            break;
+        case 2:
+            c = -c0, s = -s0;
+            break;
+        default:
+            c = s0, s = -c0;
+            break;
     }
 }
 
@@ -384,7 +392,11 @@ int raw_fft(T *data, int n, int cplx, int inverse) {
     x.data = data;
     x.n = n;
     x.cplx = cplx;
-    return fft<T>(x, inverse);
+    // Real data is widened into a block of the record's own, which never
+    // reaches the caller's array: release it.
+    const int status = fft<T>(x, inverse);
+    destroy<T>(x);
+    return status;
 }
 
 template <class T>
