@@ -5,8 +5,8 @@
 // "*i_fft" is dspfi_fft and dspi_fft) and makes one call on the records and
 // arrays of a scene. Its arguments are written as c.i(v) and c.s(v): the
 // representative value v in the fault-injection test, an arbitrary one (v
-// itself, an extreme, random bits) when the scene is hostile. Adding an
-// export is adding its row.
+// itself, a neighbour, an extreme, random bits) when the scene is hostile.
+// Adding an export is adding its row.
 #pragma once
 
 #include <algorithm>
@@ -69,8 +69,9 @@ struct args {
         if (!ch) return v;
         const uint32_t u = ch->next(), w = u >> 3;
         const int extreme[] = {INT_MIN, INT_MAX, -1, 0, 1, 2, 1 << 20};
-        const int choice[] = {int(w % 70) - 5, int(ch->next()), extreme[w % 7], v ^ int(w & 0xfff)};
-        return u % 8 < 4 ? choice[u % 8] : v;
+        const int choice[] = {int(w % 70) - 5, int(ch->next()), extreme[w % 7], v ^ int(w & 0xfff),
+                              v + int(w % 7) - 3};
+        return u % 8 < 5 ? choice[u % 8] : v;
     }
     T s(T v) const {
         if (!ch) return v;

@@ -27,34 +27,21 @@ thread_local bool tracking = false;
 // call leaves unwritten compares equal between runs.
 constexpr int fill = 0xa5;
 
-// The blocks taken while armed: an open-addressing set of pointers.
-constexpr size_t slots = size_t(1) << 14;
-void *const tombstone = reinterpret_cast<void *>(1);
-void *blocks[slots];
+// The blocks taken while armed and not freed since (a few dozen at most).
+constexpr long capacity = 4096;
+void *blocks[capacity];
 long remembered = 0;
 
-size_t slot_of(void *p) {
-    return (reinterpret_cast<uintptr_t>(p) >> 4) * 0x9e3779b97f4a7c15u % slots;
-}
-
 void remember(void *p) {
-    if (!p) return;
-    for (size_t i = slot_of(p), k = 0; k < slots; ++k, i = (i + 1) % slots)
-        if (!blocks[i] || blocks[i] == tombstone) {
-            blocks[i] = p;
-            ++remembered;
-            return;
-        }
-    std::abort();  // more blocks than any test keeps
+    if (remembered == capacity) std::abort();
+    if (p) blocks[remembered++] = p;
 }
 
 // Forgets p; true when it was remembered.
 bool release(void *p) {
-    if (!p || remembered == 0) return false;
-    for (size_t i = slot_of(p), k = 0; k < slots && blocks[i]; ++k, i = (i + 1) % slots)
+    for (long i = remembered - 1; p && i >= 0; --i)
         if (blocks[i] == p) {
-            blocks[i] = tombstone;
-            --remembered;
+            blocks[i] = blocks[--remembered];
             return true;
         }
     return false;
@@ -83,10 +70,7 @@ long disarm() {
 bool injected() { return failed; }
 long outstanding() { return remembered; }
 
-void forget() {
-    for (void *&b : blocks) b = nullptr;
-    remembered = 0;
-}
+void forget() { remembered = 0; }
 
 namespace {
 
