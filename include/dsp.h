@@ -136,7 +136,9 @@ DSP_API int dsp_destroy(dsp_signal *x);
  * kept when a new block is taken. */
 DSP_API int dspf_alloc(dspf_signal *x);
 DSP_API int dsp_alloc(dsp_signal *x);
-/* Like alloc, but keeps the leading points of the previous shape. */
+/* Like alloc, but keeps the leading points of the previous shape. A failed
+ * growth leaves alloc 0 and data null, releasing the block the record owned
+ * (through the free hook when one is set). */
 DSP_API int dspf_realloc(dspf_signal *x, int prev_n, int prev_cplx);
 DSP_API int dsp_realloc(dsp_signal *x, int prev_n, int prev_cplx);
 /* Appends the points of b to a (a becomes complex if b is). */
