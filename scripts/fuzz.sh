@@ -15,13 +15,15 @@ groups=("${@:2}")
 
 CC=clang CXX=clang++ cmake -S . -B build/fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDSP_BUILD_FUZZ=ON \
   -DDSP_BUILD_TESTS=OFF -DDSP_BUILD_EXAMPLES=OFF -DBUILD_SHARED_LIBS=OFF >/dev/null
-cmake --build build/fuzz -j"$(nproc)" >/dev/null
+cmake --build build/fuzz -j"$(nproc)" >build/fuzz/build.log 2>&1 || { tail -n 40 build/fuzz/build.log; exit 1; }
 
 for g in "${groups[@]}"; do
   mkdir -p "build/fuzz/corpus/$g"
   log="build/fuzz/$g.log"
+  seeds=()
+  [ -d "fuzz/corpus/$g" ] && seeds=("fuzz/corpus/$g")
   if ! "build/fuzz/fuzz/fuzz_$g" -max_total_time="$seconds" -print_final_stats=1 \
-       -artifact_prefix=build/fuzz/ "build/fuzz/corpus/$g" "fuzz/corpus/$g" >"$log" 2>&1; then
+       -artifact_prefix=build/fuzz/ "build/fuzz/corpus/$g" "${seeds[@]}" >"$log" 2>&1; then
     tail -n 60 "$log"
     echo "fuzz_$g found a fault (input saved as build/fuzz/crash-*)" >&2
     exit 1
