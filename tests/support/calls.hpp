@@ -220,15 +220,9 @@ template <class T>
 std::vector<call<T>> calls() {
     using TypeParam = T;
     using A = args<T>;
-#define CALL(name, ...)                                               \
-    {                                                                 \
-        "*" #name, [](A &c) { return DSP(name)(__VA_ARGS__); }, false \
-    }
-#define CACHED(name, ...)                                            \
-    {                                                                \
-        "*" #name, [](A &c) { return DSP(name)(__VA_ARGS__); }, true \
-    }
     // clang-format off
+#define CALL(name, ...) {"*" #name, [](A &c) { return DSP(name)(__VA_ARGS__); }, false}
+#define CACHED(name, ...) {"*" #name, [](A &c) { return DSP(name)(__VA_ARGS__); }, true}
     std::vector<call<T>> t = {
         // Records and utilities.
         {"*_alloc", [](A &c) { c.x->n = c.i(40); return DSP(_alloc)(c.x); }, false},
@@ -248,7 +242,8 @@ std::vector<call<T>> calls() {
         CALL(i_cosh, c.x), CALL(i_asin, c.x), CALL(i_acos, c.x), CALL(i_besy0, c.x),
         CALL(i_besy1, c.x), CALL(i_addcos, c.x, c.i(1), c.s(T(0.1)), c.s(1), c.s(0)),
         {"*i_limit", [](A &c) {
-            if constexpr (std::is_same_v<T, float>) return dspfi_limit(c.x, 0, c.s(-1), c.s(1), &c.iv);
+            if constexpr (std::is_same_v<T, float>)
+                return dspfi_limit(c.x, 0, c.s(-1), c.s(1), &c.iv);
             else return dspi_limit(c.x, c.s(-1), c.s(1), &c.iv); }, false},
         CALL(i_rev, c.x), CALL(i_shift, c.x, c.i(3)), CALL(i_swap_halves, c.y),
         CALL(i_swap_halves2, c.x), CALL(i_zero, c.x), CALL(i_zpad, c.x, c.i(40)),
@@ -258,7 +253,8 @@ std::vector<call<T>> calls() {
         CALL(i_unwrap_wnd, c.x, c.i(3)), CALL(i_recon, c.z), CALL(i_orecon, c.z, c.i(1)),
         // Transforms: tables, chirp-z and DCT caches, widening.
         CALL(i_fft, c.x, c.i(0)), CALL(i_bitrev, c.x), CALL(i_bitrev_scale, c.y),
-        {"cf_*i_fft", [](A &c) { return pick<T>(cf_dspfi_fft, cf_dspi_fft)(c.arr, c.an, c.acplx, c.i(0)); }, false},
+        {"cf_*i_fft", [](A &c) {
+            return pick<T>(cf_dspfi_fft, cf_dspi_fft)(c.arr, c.an, c.acplx, c.i(0)); }, false},
         CALL(i_rfft, c.x), CALL(i_irfft, c.z), CALL(i_dft, c.p, c.i(0)), CALL(i_rdft, c.p),
         CALL(i_irdft, c.z, c.i(1)), CALL(i_dct, c.p, c.i(0)), CALL(i_dct, c.x, c.i(1)),
         CALL(i_hilbert, c.p), CALL(i_analytic, c.x),
@@ -266,14 +262,17 @@ std::vector<call<T>> calls() {
         CACHED(i_window, c.x, c.i(DSP_WINDOW_KAISER70), c.i(0)),
         CACHED(i_window2, c.y, c.i(DSP_WINDOW_HANN), c.i(9), c.s(T(7.5))),
         CALL(i_window_cos, c.x, c.p), CALL(i_window_gauss, c.x, c.s(T(0.2)), c.i(0)),
-        CALL(i_window_kaiser, c.y, c.s(8), c.i(1)), CALL(i_window_sinc, c.x, c.s(3), c.s(2), c.i(4)),
-        CALL(i_window_tukey, c.x, c.s(T(0.3)), c.i(0)), CALL(i_window_fir, c.x, c.i(101), c.s(T(0.1))),
+        CALL(i_window_kaiser, c.y, c.s(8), c.i(1)),
+        CALL(i_window_sinc, c.x, c.s(3), c.s(2), c.i(4)),
+        CALL(i_window_tukey, c.x, c.s(T(0.3)), c.i(0)),
+        CALL(i_window_fir, c.x, c.i(101), c.s(T(0.1))),
         CALL(_window_scale, &c.v, c.i(DSP_WINDOW_KAISER80), c.i(1), c.i(64)),
         CALL(_window2_scale, &c.v, c.i(DSP_WINDOW_HANN), c.i(8), c.i(64), c.s(20)),
         CALL(_window_enbw, &c.v, c.i(DSP_WINDOW_GAUSS70), c.i(64)),
         CALL(_window2_enbw, &c.v, c.i(DSP_WINDOW_FLATTOP), c.i(64), c.s(30)),
         CACHED(h_fft, c.x, c.r, c.h, c.i(DSP_WINDOW_GAUSS70), c.i(0x200), c.i(64)),
-        {"cf_*h_fft", [](A &c) { return pick<T>(cf_dspfh_fft, cf_dsph_fft)(c.arr, c.out, c.an, c.acplx, c.i(DSP_WINDOW_KAISER90), c.i(1), c.i(0)); }, true},
+        {"cf_*h_fft", [](A &c) { return pick<T>(cf_dspfh_fft, cf_dsph_fft)(
+            c.arr, c.out, c.an, c.acplx, c.i(DSP_WINDOW_KAISER90), c.i(1), c.i(0)); }, true},
         // Binary operations: in place, padded, widening the result.
         CALL(b_add, c.x, c.y, c.r), CALL(b_sub, c.x, c.p, c.x), CALL(b_mul, c.x, c.y, c.x),
         CALL(b_div, c.y, c.x, c.y), CALL(b_conj_mul, c.y, c.y, c.r),
@@ -291,7 +290,8 @@ std::vector<call<T>> calls() {
     };
     if constexpr (std::is_same_v<T, float>) {
         t.push_back({"*i_besi0", [](A &c) { return dspfi_besi0(c.x); }, false});
-        t.push_back({"cf_dspfh_fft_fast_but_dirty", [](A &c) { return cf_dspfh_fft_fast_but_dirty(c.arr, c.out, c.an, c.acplx, c.i(DSP_WINDOW_HANN), c.i(0x100), c.i(0)); }, true});
+        t.push_back({"cf_dspfh_fft_fast_but_dirty", [](A &c) { return cf_dspfh_fft_fast_but_dirty(
+            c.arr, c.out, c.an, c.acplx, c.i(DSP_WINDOW_HANN), c.i(0x100), c.i(0)); }, true});
     }
     // clang-format on
 #undef CALL
