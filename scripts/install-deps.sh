@@ -4,7 +4,7 @@
 # they are all present.
 set -euo pipefail
 packages=(cmake g++ make pkg-config libgtest-dev libbenchmark-dev
-          python3-numpy python3-scipy libfftw3-dev libkissfft-dev
+          python3-numpy python3-scipy libfftw3-dev libkissfft-dev libliquid-dev
           clang libclang-rt-14-dev)
 missing=()
 for p in "${packages[@]}"; do

@@ -23,5 +23,9 @@ constexpr auto pick(F f, D d) {
 // The C export of the precision TypeParam: DSP(i_real) is dspfi_real in the
 // single family and dspi_real in the double family.
 #define DSP(x) (::dsp_test::pick<TypeParam>(dspf##x, dsp##x))
+// The raw-array kernels likewise: VFP(_FindMax) is vfps_FindMax or
+// vfpd_FindMax, VFPB(Mul1) vfpsbMul1 or vfpdbMul1.
+#define VFP(x) (::dsp_test::pick<TypeParam>(vfps##x, vfpd##x))
+#define VFPB(x) (::dsp_test::pick<TypeParam>(vfpsb##x, vfpdb##x))
 
 }  // namespace dsp_test
