@@ -38,6 +38,8 @@ std::string outcome(int status, const scene<T> &sc) {
     const size_t scalars = sc.a.an > 0 ? size_t(sc.a.an) * (sc.a.acplx ? 2 : 1) : 0;
     bytes(sc.a.arr, scalars * sizeof(T));
     bytes(sc.a.out, scalars * sizeof(T));
+    bytes(sc.a.aux, scalars * sizeof(T));
+    bytes(sc.a.ints, scalars * sizeof(int));
     bytes(&sc.a.v, sizeof sc.a.v);
     bytes(&sc.a.iv, sizeof sc.a.iv);
     return o.str();

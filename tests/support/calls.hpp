@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -59,7 +60,8 @@ template <class T>
 struct args {
     sig<T> *x, *y, *z, *p, *w, *r, *h;  // records (they may alias when hostile)
     dspf_signal *f;                     // single-precision result
-    T *arr, *out;                       // caller arrays of an points (2an scalars if acplx)
+    T *arr, *out, *aux;                 // caller arrays of an points (2an scalars if acplx)
+    int *ints;                          // as many ints as arr has scalars
     int an, acplx;
     T v;          // scalar result
     int iv;       // integer result
@@ -77,6 +79,47 @@ struct args {
         if (!ch) return v;
         const uint32_t u = ch->next();
         return u % 2 ? v : any_scalar<T>(u >> 1);
+    }
+    // Scalars in each caller array.
+    int64_t scalars() const { return an > 0 ? int64_t(an) * (acplx ? 2 : 1) : 0; }
+    // An index within the arrays: of a scalar (at) or of a complex point (pt).
+    int at(int v) const { return ch ? int(ch->next() % (scalars() + 1)) : v; }
+    int pt(int v) const { return ch ? int(ch->next() % (scalars() / 2 + 1)) : v; }
+    // Whether a rows x cols complex matrix fits the arrays (or is refused
+    // before anything is read: a size not above 0).
+    bool fits(int64_t rows, int64_t cols) const {
+        return rows <= 0 || cols <= 0 || rows * cols <= scalars() / 2;
+    }
+    // Fills a record (its n and cplx set) with a tone (kind 0, 2: complex)
+    // or a low-pass filter (1).
+    int gen(sig<T> *r, int kind) const {
+        if (kind == 1) return pick<T>(dspfc_fir, dspc_fir)(r, 3, s(T(0.2)), 0);
+        r->cplx = kind == 2;
+        return pick<T>(dspfc_cexp, dspc_cexp)(r, s(T(0.05)), 0);
+    }
+    // The product of complex matrices from arr (left) and arr or out
+    // (right) into `to`, when its sizes fit the arrays.
+    int matrix(int rows, int inner, int cols, T *to) const {
+        if (!fits(rows, inner) || !fits(inner, cols) || !fits(rows, cols)) return 0;
+        if constexpr (std::is_same_v<T, double>)
+            return MatrixMult(arr, to == out ? arr : out, to, rows, inner, cols) < 0 ? -1 : 0;
+        return 0;
+    }
+    // The inverse of the n x n complex matrix in arr, in place.
+    int inverse(int n) const {
+        if constexpr (std::is_same_v<T, double>)
+            if (fits(n, n)) return ::invert(arr, n) ? 0 : -1;
+        return 0;
+    }
+    // Circular interpolation of the m points of arr at frequencies 0 .. m-1
+    // (in aux, the query frequencies behind them) into `to`.
+    int interpolate(int m, int q, T *to) const {
+        if (m + q > scalars()) return 0;
+        for (int j = 0; j < m; ++j) aux[j] = T(j);
+        for (int j = 0; j < q; ++j) aux[m + j] = s(std::fmod(T(j) * T(1.37), T(m > 1 ? m - 1 : 1)));
+        if constexpr (std::is_same_v<T, double>)
+            return CircularInterpolation(aux, arr, m, aux + m, to, q);
+        return 0;
     }
     // Sets the point count of r and grows it keeping its points.
     int regrow(sig<T> *r, int m) const {
@@ -201,7 +244,10 @@ class scene {
         a.an = n, a.acplx = cplx;
         a.arr = caller_array<T>(count);
         a.out = caller_array<T>(count);
-        for (int64_t i = 0; i < count; ++i) a.arr[i] = T(int(i * 37 % 11) - 5) / 3, a.out[i] = T(0);
+        a.aux = caller_array<T>(count);
+        a.ints = caller_array<int>(count);
+        for (int64_t i = 0; i < count; ++i)
+            a.arr[i] = T(int(i * 37 % 11) - 5) / 3, a.out[i] = a.aux[i] = T(0), a.ints[i] = 0;
         if (a.ch)
             for (int64_t i = 0; i < count; ++i) a.arr[i] = any_scalar<T>(a.ch->next());
     }
@@ -223,6 +269,7 @@ std::vector<call<T>> calls() {
     // clang-format off
 #define CALL(name, ...) {"*" #name, [](A &c) { return DSP(name)(__VA_ARGS__); }, false}
 #define CACHED(name, ...) {"*" #name, [](A &c) { return DSP(name)(__VA_ARGS__); }, true}
+#define RAW(name, ...) call<T>{name, [](A &c) { return __VA_ARGS__; }, false}
     std::vector<call<T>> t = {
         // Records and utilities.
         {"*_alloc", [](A &c) { c.x->n = c.i(40); return DSP(_alloc)(c.x); }, false},
@@ -287,7 +334,49 @@ std::vector<call<T>> calls() {
         CALL(s_samp_stddev, c.y, c.r), CALL(s_skew, c.x, c.r), CALL(s_excess, c.x, c.r),
         CALL(s_hist, c.x, c.x, c.s(-1), c.s(T(0.5)), c.i(6)),
         CALL(s_peak, c.y, c.y, c.i(0x100), c.i(0)),
+        // Generators, FIR design and resampling kernels: sizing, widening, aliased description.
+        CALL(c_cos, c.w, c.s(T(0.1)), c.s(T(0.3))), CALL(c_line, c.w, c.s(T(0.5)), c.s(-1)),
+        {"*c_cexp", [](A &c) { c.r->n = c.i(9), c.r->cplx = 1; return DSP(c_cexp)(c.r, c.s(T(0.2)), 0); }, false},
+        CALL(c_fir, c.w, c.i(3), c.s(T(0.2)), c.s(0)), CALL(c_fir, c.y, c.i(9), c.s(0), c.s(0)),
+        CALL(c_fir2, c.r, c.i(101)), CALL(c_rsmp_cos, c.w, c.p), CALL(c_rsmp_pcos, c.x, c.x),
+        CALL(c_rsmp, c.w, c.i(3)),
+        // Filtering: history, internal scratch and state, the transform cache, correlation.
+        CALL(d_fir, c.x, c.r, c.p, c.h), CALL(d_sfir, c.x, c.x, c.w, c.i(1), c.i(0), c.h),
+        CALL(d_sfir, c.y, c.r, c.z, c.i(0), c.i(1), c.h), CALL(d_deci, c.y, c.y, c.i(3), c.h),
+        CALL(d_deci, c.x, c.r, c.i(2), nullptr), CALL(d_hwfilt, c.x, c.r, nullptr, c.h),
+        CALL(d_hwfilt, c.y, c.y, nullptr, nullptr), CALL(i_hwfilt, c.x, nullptr),
+        {"*d_fir", [](A &c) { c.r->n = c.i(300), c.p->n = c.i(60); return c.gen(c.r, 0) || c.gen(c.p, 1) ? -1 : DSP(d_fir)(c.r, c.r, c.p, c.z); }, false},
+        {"*d_fir", [](A &c) { c.r->n = c.i(200), c.p->n = c.i(40); return c.gen(c.r, 2) || c.gen(c.p, 1) ? -1 : DSP(d_fir)(c.r, c.h, c.p, c.w); }, false},
+        CALL(h_corr, c.x, c.y, c.r, c.h, c.i(5), c.i(1)), CALL(b_corr, c.y, c.y, c.y, nullptr, c.i(16)),
+        CALL(b_corr, c.x, c.x, c.x, c.x, c.i(3)),
+        // Trace kernels on caller arrays (no status: 0; indices and counts kept in iv).
+        RAW("vfp*bMul1", (VFPB(Mul1)(c.s(2), c.arr, c.at(16)), 0)),
+        RAW("vfp*bMul2", (VFPB(Mul2)(c.s(T(0.5)), c.arr, c.at(16)), 0)),
+        RAW("vfp*b_ScaleToInt", (VFPB(_ScaleToInt)(c.arr, c.at(16), c.s(-2), c.s(2), c.ints, c.i(0), c.i(999)), 0)),
+        RAW("vfp*b_ScaleToInt2", VFPB(_ScaleToInt2)(c.arr, c.at(16), c.s(-2), c.s(2), c.ints, c.i(-50), c.i(50))),
+        RAW("vfp*b_ScaleToFP", (VFPB(_ScaleToFP)(c.arr, c.at(16), c.s(-2), c.s(2), c.out, c.s(0), c.s(1)), 0)),
+        RAW("vfp*_FindMax", (c.iv = VFP(_FindMax)(c.arr, c.at(0), c.at(16)), 0)),
+        RAW("vfp*_FindMin", (c.iv = VFP(_FindMin)(c.arr, c.at(1), c.at(15)), 0)),
+        RAW("vfp*_FindMax2", (c.iv = VFP(_FindMax2)(c.arr, c.at(0), c.at(16), c.at(4), c.at(9)), 0)),
+        RAW("vfp*_FindMin2", (c.iv = VFP(_FindMin2)(c.arr, c.at(2), c.at(16), c.at(2), c.at(5)), 0)),
+        RAW("vfp*_ExpandLinear", (VFP(_ExpandLinear)(c.out, c.at(16), c.s(1), c.s(5)), 0)),
+        RAW("vfp*_ExpandLog", (VFP(_ExpandLog)(c.out, c.at(16), c.s(1), c.s(1000)), 0)),
+        RAW("vfp*_Smooth", (c.iv = VFP(_Smooth)(c.arr, c.out, c.at(16), c.at(2), c.at(14), c.i(5), c.i(0))) < 0 ? -1 : 0),
+        RAW("vfp*_Smooth", (c.iv = VFP(_Smooth)(c.arr, c.arr, c.at(16), c.at(0), c.at(16), c.i(3), c.i(1))) < 0 ? -1 : 0),
+        RAW("vfp*_SmoothCpx", (c.iv = VFP(_SmoothCpx)(c.arr, c.arr, c.pt(8), c.pt(1), c.pt(7), c.i(3))) < 0 ? -1 : 0),
+        RAW("vfp*_UnwrapPhase", (VFP(_UnwrapPhase)(c.arr, c.pt(0), c.pt(8), c.out), 0)),
+        RAW("vfp*_FormatBuffer", (VFP(_FormatBuffer)(c.i(3), c.arr, c.out, c.pt(0), c.pt(8)), 0)),
+        RAW("vfp*_CircleFit", (VFP(_CircleFit)(c.arr, c.aux, c.arr, c.out, c.out, c.pt(0), c.pt(8)), 0)),
     };
+    if constexpr (std::is_same_v<T, double>) {
+        // Calibration (double arrays only); sizes beyond the arrays are not asked for.
+        t.push_back(RAW("MatrixMult", c.matrix(c.i(2), c.i(2), c.i(4), c.out)));
+        t.push_back(RAW("MatrixMult", c.matrix(c.i(3), c.i(2), c.i(1), c.arr)));
+        t.push_back(RAW("invert", c.inverse(c.i(2))));
+        t.push_back(RAW("Compute1PortTerms", Compute1PortTerms(c.arr, c.out, c.aux, c.arr, c.out, c.aux, c.pt(0), c.pt(8))));
+        t.push_back(RAW("CircularInterpolation", c.interpolate(c.pt(5), c.pt(3), c.out)));
+        t.push_back(RAW("CircularInterpolation", c.interpolate(c.pt(5), c.pt(3), c.arr)));
+    }
     if constexpr (std::is_same_v<T, float>) {
         t.push_back({"*i_besi0", [](A &c) { return dspfi_besi0(c.x); }, false});
         t.push_back({"cf_dspfh_fft_fast_but_dirty", [](A &c) { return cf_dspfh_fft_fast_but_dirty(
@@ -296,20 +385,27 @@ std::vector<call<T>> calls() {
     // clang-format on
 #undef CALL
 #undef CACHED
+#undef RAW
     return t;
 }
 
-// Exports that take no record and allocate nothing.
+// Exports that take no record and allocate nothing (the floating-point
+// control changes the thread's rounding and traps: no hostile calls).
 inline const char *const allocation_free[] = {
     "*_init",     "*_destroy",       "*_lib_init", "*_lib_alloc",       "*_lib_realloc",
-    "*_lib_free", "*_free_internal", "*_version",  "*_window_from_str", "*_window_to_str"};
+    "*_lib_free", "*_free_internal", "*_version",  "*_window_from_str", "*_window_to_str",
+    "get_fpscr",  "set_fpscr",       "set_runfast"};
 
 // The export names of a row's name pattern in one precision.
 template <class T>
 std::string export_name(const char *pattern) {
     std::string s(pattern);
     const size_t star = s.find('*');
-    if (star != std::string::npos) s.replace(star, 1, std::is_same_v<T, float> ? "dspf" : "dsp");
+    if (star == std::string::npos) return s;
+    const bool single = std::is_same_v<T, float>;
+    const std::string by =
+        s.rfind("vfp*", 0) == 0 ? (single ? "s" : "d") : (single ? "dspf" : "dsp");
+    return s.substr(0, star) + by + s.substr(star + 1);
     return s;
 }
 
