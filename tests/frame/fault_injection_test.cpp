@@ -85,7 +85,9 @@ TYPED_TEST(FaultInjection, EveryAllocationFailsInTurn) {
                 EXPECT_TRUE(status_of(failed) == -1 || failed == want);
                 std::string again = run(0);
                 if (again != want && c.cached) {
-                    // The window cache keeps the key of the failed generation.
+                    // A cache keeps a key without its table: the window
+                    // of a failed generation, or the FIR spectrum of the
+                    // other kind (see the README); released, it is gone.
                     ++kept;
                     release_caches();
                     again = run(0);
@@ -100,7 +102,7 @@ TYPED_TEST(FaultInjection, EveryAllocationFailsInTurn) {
     }
     std::printf(
         "%zu calls, %ld failures injected: %ld absorbed with the right result, %ld "
-        "window-cache keys kept\n",
+        "cache keys kept\n",
         calls<T>().size(), failures, absorbed, kept);
 }
 
