@@ -52,10 +52,12 @@ int prepare_result(const signal_t<T> &in, signal_t<T> **result_slot, const signa
         s.delta = in.delta;
         const bool convert = (s.cplx != 0) != (in.cplx != 0);
         if ((convert && (in.cplx ? rtoc<T>(s) : real<T>(s)) != 0) || zpad<T>(s, state_len) != 0) {
-            // A failed growth leaves the record's new n without storage. The
-            // internal state record, which no caller can repair, is emptied
-            // instead, so that the next call starts again from zeros.
-            if (&s == &S::state) s.n = 0;
+            // A failed growth leaves the record's new n without storage (the
+            // old block, and with it the state, is gone). The record is
+            // emptied instead, so that the next call with it, or with the
+            // internal state record that no caller can repair, starts again
+            // from zeros rather than reading a record without storage.
+            s.n = 0;
             return -1;
         }
     }

@@ -106,6 +106,40 @@ TYPED_TEST(FaultInjection, EveryAllocationFailsInTurn) {
         calls<T>().size(), failures, absorbed, kept);
 }
 
+// A filter's history or state record whose growth failed is left empty, so
+// that the next block starts from zeros as with a fresh record, whether the
+// caller's (FIR history, decimation phase) or the half-band filter's
+// internal one.
+TYPED_TEST(FaultInjection, FailedStateStartsAgainFromZeros) {
+    using T = TypeParam;
+    Rec<T> x({1, 2, 3, 4, 5, 6}), h({T(0.5), T(0.25), T(0.125)}), y, want, fresh;
+    auto failing = [](auto call) {
+        seam::arm(1);
+        const int status = call();
+        seam::disarm();
+        return status;
+    };
+    for (int op = 0; op < 3; ++op) {
+        Rec<T> state, fresh_state, x1({1, 2, 3, 4, 5, 6}), x2({1, 2, 3, 4, 5, 6});
+        auto run = [&](sig<T> *in, sig<T> *out, sig<T> *st) {
+            return op == 0   ? DSP(d_fir)(in, out, &h, st)
+                   : op == 1 ? DSP(d_deci)(in, out, 2, st)
+                             : DSP(i_hwfilt)(in, nullptr);
+        };
+        release_caches();
+        EXPECT_EQ(failing([&] { return run(&x, &y, &state); }), -1) << op;
+        EXPECT_EQ(state->n, 0);
+        EXPECT_EQ(run(&x1, &y, &state), 0);
+        release_caches();
+        EXPECT_EQ(run(&x2, &want, &fresh_state), 0);
+        EXPECT_EQ(op == 2 ? x1.values() : y.values(), op == 2 ? x2.values() : want.values()) << op;
+        EXPECT_EQ(state.values(), fresh_state.values());
+    }
+    release_caches();
+    EXPECT_EQ(seam::outstanding(), 0);
+    seam::forget();
+}
+
 // Every export declared in the header is in the table or takes no record
 // and allocates nothing; every name of the table is declared.
 TEST(FaultInjection, EveryExportIsInTheTable) {
