@@ -36,6 +36,8 @@ const group groups[] = {
       "*i_dct", "*i_hilbert", "*i_analytic", "*i_recon", "*i_orecon"}},
     {"spectrum", {"*h_fft", "cf_*h_fft", "cf_dspfh_fft", "*i_window", "*_window"}},
     {"stats", {"*s_"}},
+    {"filter", {"*d_", "*i_hwfilt", "*h_corr", "*b_corr", "*c_"}},
+    {"trace", {"vfp", "MatrixMult", "invert", "Compute1PortTerms", "CircularInterpolation"}},
     {"record",
      {"*_alloc", "*_realloc", "*_append", "*_copy", "*_cmp", "*u_", "*i_zpad", "*i_unzpad",
       "*i_shift"}},

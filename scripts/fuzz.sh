@@ -11,7 +11,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-30}
 groups=("${@:2}")
-[ ${#groups[@]} -eq 0 ] && groups=(transform spectrum stats record)
+[ ${#groups[@]} -eq 0 ] && groups=(transform spectrum stats filter trace record)
 
 CC=clang CXX=clang++ cmake -S . -B build/fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDSP_BUILD_FUZZ=ON \
   -DDSP_BUILD_TESTS=OFF -DDSP_BUILD_EXAMPLES=OFF -DBUILD_SHARED_LIBS=OFF >/dev/null

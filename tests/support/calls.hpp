@@ -99,6 +99,22 @@ struct args {
         r->cplx = kind == 2;
         return pick<T>(dspfc_cexp, dspc_cexp)(r, s(T(0.05)), 0);
     }
+    // x in blocks of i(5) points through a filter (0), the decimation (1) or
+    // the half-band filter (2), carrying h from block to block, into r.
+    int stream(int op) const {
+        if (h == x || r == x || h == r || h == p || r == p) return 0;  // no block may move
+        const int64_t n = x->n > 0 ? x->n : 0, step = std::max(1, i(5));
+        int status = 0;
+        for (int64_t at = 0; at < n; at += step) {
+            sig<T> block = *x;
+            block.data = x->data + (x->cplx ? 2 : 1) * at, block.alloc = 0;
+            block.n = int32_t(std::min(step, n - at));
+            status |= op == 0   ? pick<T>(dspfd_fir, dspd_fir)(&block, r, p, h)
+                      : op == 1 ? pick<T>(dspfd_deci, dspd_deci)(&block, r, 3, h)
+                                : pick<T>(dspfd_hwfilt, dspd_hwfilt)(&block, r, nullptr, h);
+        }
+        return status;
+    }
     // One filter over a complex block, a real block, the complex block again.
     // The transform cache keeps one key for the spectra of both kinds, so the
     // real block finds no spectrum of its kind (-1, ignored) and the last
@@ -359,7 +375,8 @@ std::vector<call<T>> calls() {
         // Filtering: history, internal scratch and state, the transform cache, correlation.
         CALL(d_fir, c.x, c.r, c.p, c.h), CALL(d_sfir, c.x, c.x, c.w, c.i(1), c.i(0), c.h),
         CALL(d_sfir, c.y, c.r, c.z, c.i(0), c.i(1), c.h), CALL(d_deci, c.y, c.y, c.i(3), c.h),
-        CALL(d_deci, c.x, c.r, c.i(2), nullptr), CALL(d_hwfilt, c.x, c.r, nullptr, c.h),
+        CALL(d_deci, c.x, c.r, c.i(2), nullptr), {"*d_fir", [](A &c) { return c.stream(0); }, false},
+        {"*d_deci", [](A &c) { return c.stream(1); }, false}, {"*d_hwfilt", [](A &c) { return c.stream(2); }, false}, CALL(d_hwfilt, c.x, c.r, nullptr, c.h),
         CALL(d_hwfilt, c.y, c.y, nullptr, nullptr), CALL(i_hwfilt, c.x, nullptr),
         {"*d_fir", [](A &c) { c.r->n = c.i(300), c.p->n = c.i(60); return c.gen(c.r, 0) || c.gen(c.p, 1) ? -1 : DSP(d_fir)(c.r, c.r, c.p, c.z); }, false},
         {"*d_fir", [](A &c) { return c.fir_blocks(); }, true},
