@@ -115,6 +115,12 @@ struct args {
         }
         return status;
     }
+    // A long filter (through the FFT) over a long block in place, with a
+    // complex history.
+    int fir_long() const {
+        r->n = i(300), p->n = i(60);
+        return gen(r, 0) || gen(p, 1) ? -1 : pick<T>(dspfd_fir, dspd_fir)(r, r, p, z);
+    }
     // One filter over a complex block, a real block, the complex block again.
     // The transform cache keeps one key for the spectra of both kinds, so the
     // real block finds no spectrum of its kind (-1, ignored) and the last
@@ -302,6 +308,8 @@ std::vector<call<T>> calls() {
 #define CALL(name, ...) {"*" #name, [](A &c) { return DSP(name)(__VA_ARGS__); }, false}
 #define CACHED(name, ...) {"*" #name, [](A &c) { return DSP(name)(__VA_ARGS__); }, true}
 #define RAW(name, ...) call<T>{name, [](A &c) { return __VA_ARGS__; }, false}
+#define VOID(...) (__VA_ARGS__, 0)
+#define KEEP(...) ((c.iv = __VA_ARGS__) < 0 ? -1 : 0)
     std::vector<call<T>> t = {
         // Records and utilities.
         {"*_alloc", [](A &c) { c.x->n = c.i(40); return DSP(_alloc)(c.x); }, false},
@@ -368,41 +376,43 @@ std::vector<call<T>> calls() {
         CALL(s_peak, c.y, c.y, c.i(0x100), c.i(0)),
         // Generators, FIR design and resampling kernels: sizing, widening, aliased description.
         CALL(c_cos, c.w, c.s(T(0.1)), c.s(T(0.3))), CALL(c_line, c.w, c.s(T(0.5)), c.s(-1)),
-        {"*c_cexp", [](A &c) { c.r->n = c.i(9), c.r->cplx = 1; return DSP(c_cexp)(c.r, c.s(T(0.2)), 0); }, false},
+        RAW("*c_cexp", (c.r->n = c.i(9), c.r->cplx = 1, DSP(c_cexp)(c.r, c.s(T(0.2)), 0))),
         CALL(c_fir, c.w, c.i(3), c.s(T(0.2)), c.s(0)), CALL(c_fir, c.y, c.i(9), c.s(0), c.s(0)),
         CALL(c_fir2, c.r, c.i(101)), CALL(c_rsmp_cos, c.w, c.p), CALL(c_rsmp_pcos, c.x, c.x),
         CALL(c_rsmp, c.w, c.i(3)),
         // Filtering: history, internal scratch and state, the transform cache, correlation.
-        CALL(d_fir, c.x, c.r, c.p, c.h), CALL(d_sfir, c.x, c.x, c.w, c.i(1), c.i(0), c.h),
-        CALL(d_sfir, c.y, c.r, c.z, c.i(0), c.i(1), c.h), CALL(d_deci, c.y, c.y, c.i(3), c.h),
-        CALL(d_deci, c.x, c.r, c.i(2), nullptr), {"*d_fir", [](A &c) { return c.stream(0); }, false},
-        {"*d_deci", [](A &c) { return c.stream(1); }, false}, {"*d_hwfilt", [](A &c) { return c.stream(2); }, false}, CALL(d_hwfilt, c.x, c.r, nullptr, c.h),
-        CALL(d_hwfilt, c.y, c.y, nullptr, nullptr), CALL(i_hwfilt, c.x, nullptr),
-        {"*d_fir", [](A &c) { c.r->n = c.i(300), c.p->n = c.i(60); return c.gen(c.r, 0) || c.gen(c.p, 1) ? -1 : DSP(d_fir)(c.r, c.r, c.p, c.z); }, false},
+        CALL(d_fir, c.x, c.r, c.p, c.h), RAW("*d_fir", c.stream(0)), RAW("*d_fir", c.fir_long()),
         {"*d_fir", [](A &c) { return c.fir_blocks(); }, true},
-        CALL(h_corr, c.x, c.y, c.r, c.h, c.i(5), c.i(1)), CALL(b_corr, c.y, c.y, c.y, nullptr, c.i(16)),
-        CALL(b_corr, c.x, c.x, c.x, c.x, c.i(3)),
-        // Trace kernels on caller arrays (no status: 0; indices and counts kept in iv).
-        RAW("vfp*bMul1", (VFPB(Mul1)(c.s(2), c.arr, c.at(16)), 0)),
-        RAW("vfp*bMul2", (VFPB(Mul2)(c.s(T(0.5)), c.arr, c.at(16)), 0)),
-        RAW("vfp*b_ScaleToInt", (VFPB(_ScaleToInt)(c.arr, c.at(16), c.s(-2), c.s(2), c.ints, c.i(0), c.i(999)), 0)),
-        RAW("vfp*b_ScaleToInt2", VFPB(_ScaleToInt2)(c.arr, c.at(16), c.s(-2), c.s(2), c.ints, c.i(-50), c.i(50))),
-        RAW("vfp*b_ScaleToFP", (VFPB(_ScaleToFP)(c.arr, c.at(16), c.s(-2), c.s(2), c.out, c.s(0), c.s(1)), 0)),
-        RAW("vfp*_FindMax", (c.iv = VFP(_FindMax)(c.arr, c.at(0), c.at(16)), 0)),
-        RAW("vfp*_FindMin", (c.iv = VFP(_FindMin)(c.arr, c.at(1), c.at(15)), 0)),
-        RAW("vfp*_FindMax2", (c.iv = VFP(_FindMax2)(c.arr, c.at(0), c.at(16), c.at(4), c.at(9)), 0)),
-        RAW("vfp*_FindMin2", (c.iv = VFP(_FindMin2)(c.arr, c.at(2), c.at(16), c.at(2), c.at(5)), 0)),
-        RAW("vfp*_ExpandLinear", (VFP(_ExpandLinear)(c.out, c.at(16), c.s(1), c.s(5)), 0)),
-        RAW("vfp*_ExpandLog", (VFP(_ExpandLog)(c.out, c.at(16), c.s(1), c.s(1000)), 0)),
-        RAW("vfp*_Smooth", (c.iv = VFP(_Smooth)(c.arr, c.out, c.at(16), c.at(2), c.at(14), c.i(5), c.i(0))) < 0 ? -1 : 0),
-        RAW("vfp*_Smooth", (c.iv = VFP(_Smooth)(c.arr, c.arr, c.at(16), c.at(0), c.at(16), c.i(3), c.i(1))) < 0 ? -1 : 0),
-        RAW("vfp*_SmoothCpx", (c.iv = VFP(_SmoothCpx)(c.arr, c.arr, c.pt(8), c.pt(1), c.pt(7), c.i(3))) < 0 ? -1 : 0),
-        RAW("vfp*_UnwrapPhase", (VFP(_UnwrapPhase)(c.arr, c.pt(0), c.pt(8), c.out), 0)),
-        RAW("vfp*_FormatBuffer", (VFP(_FormatBuffer)(c.i(3), c.arr, c.out, c.pt(0), c.pt(8)), 0)),
-        RAW("vfp*_CircleFit", (VFP(_CircleFit)(c.arr, c.aux, c.arr, c.out, c.out, c.pt(0), c.pt(8)), 0)),
+        CALL(d_sfir, c.x, c.x, c.w, c.i(1), c.i(0), c.h),
+        CALL(d_sfir, c.y, c.r, c.z, c.i(0), c.i(1), c.h),
+        CALL(d_deci, c.y, c.y, c.i(3), c.h), CALL(d_deci, c.x, c.r, c.i(2), nullptr),
+        RAW("*d_deci", c.stream(1)), RAW("*d_hwfilt", c.stream(2)),
+        CALL(d_hwfilt, c.x, c.r, nullptr, c.h), CALL(d_hwfilt, c.y, c.y, nullptr, nullptr),
+        CALL(i_hwfilt, c.x, nullptr),
+        CALL(h_corr, c.x, c.y, c.r, c.h, c.i(5), c.i(1)),
+        CALL(b_corr, c.y, c.y, c.y, nullptr, c.i(16)), CALL(b_corr, c.x, c.x, c.x, c.x, c.i(3)),
+        // Trace kernels on caller arrays: VOID (no status), KEEP (an index or count, kept in iv;
+        // a negative count is the status -1).
+        RAW("vfp*bMul1", VOID(VFPB(Mul1)(c.s(2), c.arr, c.at(16)))),
+        RAW("vfp*bMul2", VOID(VFPB(Mul2)(c.s(T(0.5)), c.arr, c.at(16)))),
+        RAW("vfp*b_ScaleToInt", VOID(VFPB(_ScaleToInt)(c.arr, c.at(16), c.s(-2), c.s(2), c.ints, c.i(0), c.i(9)))),
+        RAW("vfp*b_ScaleToInt2", VFPB(_ScaleToInt2)(c.arr, c.at(16), c.s(-2), c.s(2), c.ints, c.i(-5), c.i(5))),
+        RAW("vfp*b_ScaleToFP", VOID(VFPB(_ScaleToFP)(c.arr, c.at(16), c.s(-2), c.s(2), c.out, c.s(0), c.s(1)))),
+        RAW("vfp*_FindMax", KEEP(VFP(_FindMax)(c.arr, c.at(0), c.at(16)))),
+        RAW("vfp*_FindMin", KEEP(VFP(_FindMin)(c.arr, c.at(1), c.at(15)))),
+        RAW("vfp*_FindMax2", KEEP(VFP(_FindMax2)(c.arr, c.at(0), c.at(16), c.at(4), c.at(9)))),
+        RAW("vfp*_FindMin2", KEEP(VFP(_FindMin2)(c.arr, c.at(2), c.at(16), c.at(2), c.at(5)))),
+        RAW("vfp*_ExpandLinear", VOID(VFP(_ExpandLinear)(c.out, c.at(16), c.s(1), c.s(5)))),
+        RAW("vfp*_ExpandLog", VOID(VFP(_ExpandLog)(c.out, c.at(16), c.s(1), c.s(1000)))),
+        RAW("vfp*_Smooth", KEEP(VFP(_Smooth)(c.arr, c.out, c.at(16), c.at(2), c.at(14), c.i(5), c.i(0)))),
+        RAW("vfp*_Smooth", KEEP(VFP(_Smooth)(c.arr, c.arr, c.at(16), c.at(0), c.at(16), c.i(3), c.i(1)))),
+        RAW("vfp*_SmoothCpx", KEEP(VFP(_SmoothCpx)(c.arr, c.arr, c.pt(8), c.pt(1), c.pt(7), c.i(3)))),
+        RAW("vfp*_UnwrapPhase", VOID(VFP(_UnwrapPhase)(c.arr, c.pt(0), c.pt(8), c.out))),
+        RAW("vfp*_FormatBuffer", VOID(VFP(_FormatBuffer)(c.i(3), c.arr, c.out, c.pt(0), c.pt(8)))),
+        RAW("vfp*_CircleFit", VOID(VFP(_CircleFit)(c.arr, c.aux, c.arr, c.out, c.out, c.pt(0), c.pt(8)))),
     };
     if constexpr (std::is_same_v<T, double>) {
-        // Calibration (double arrays only); sizes beyond the arrays are not asked for.
+        // Calibration (double arrays only), with sizes that fit the arrays.
         t.push_back(RAW("MatrixMult", c.matrix(c.i(2), c.i(2), c.i(4), c.out)));
         t.push_back(RAW("MatrixMult", c.matrix(c.i(3), c.i(2), c.i(1), c.arr)));
         t.push_back(RAW("invert", c.inverse(c.i(2))));
@@ -419,6 +429,8 @@ std::vector<call<T>> calls() {
 #undef CALL
 #undef CACHED
 #undef RAW
+#undef VOID
+#undef KEEP
     return t;
 }
 
