@@ -727,7 +727,9 @@ DSP_API int dspc_rsmp(dsp_signal *kernel, int mode);
  * call on the whole (to rounding). Null: zeros before every block, nothing
  * kept. y has n points, complex when x or h is, delta of x; y may be x.
  * An empty filter (m <= 0) copies x. -1 when the filter or the history
- * shares storage with y, or the history with x.
+ * shares storage with y, or the history with x. A history (or a decimation
+ * phase, a half-band state) whose growth fails is left empty: -1, and the
+ * next block starts from zeros.
  *
  * Direct convolution for a complex filter, a block shorter than m-1 points,
  * or m < 46 (real x) / m < 36 (complex x); otherwise through the FFT over
