@@ -421,7 +421,11 @@ int raw_fft(T *data, int n, int cplx, int inverse) {
     x.data = data;
     x.n = n;
     x.cplx = cplx;
-    return fft<T>(x, inverse);
+    // Real data is widened into a block of the record's own, which never
+    // reaches the caller's array: release it.
+    const int status = fft<T>(x, inverse);
+    destroy<T>(x);
+    return status;
 }
 
 template <class T>
