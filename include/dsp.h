@@ -1105,7 +1105,8 @@ DSP_API int dsps_peval(const dsp_signal *coef, const dsp_signal *x, dsp_signal *
  * shifted Hessenberg QR iteration (in real arithmetic for real
  * coefficients, so complex roots come in exact conjugate pairs). -1, the
  * record unchanged, when every coefficient is 0 (or there is none), a
- * coefficient is NaN or infinite, or the iteration does not converge. */
+ * coefficient is NaN or infinite, the coefficients' ratios leave the range
+ * (a root would not be finite), or the iteration does not converge. */
 DSP_API int dspfi_proots(dspf_signal *x);
 DSP_API int dspi_proots(dsp_signal *x);
 /* Roots r[0 .. n-1] in place to the n + 1 coefficients of the monic

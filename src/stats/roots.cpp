@@ -62,15 +62,17 @@ void balance(matrix<S> h) {
                     c += size_of(h(j, i));
                     r += size_of(h(i, j));
                 }
-            if (c == 0 || r == 0) continue;
+            if (c == 0 || r == 0 || !std::isfinite(c + r)) continue;
             const double s = c + r;
+            // The factor stays well inside the exponent range, so a column
+            // of extreme sizes cannot turn it infinite or zero.
             double f = 1, g = r / radix;
-            while (c < g) {
+            while (c < g && f < 0x1p400) {
                 f *= radix;
                 c *= sq;
             }
             g = r * radix;
-            while (c > g) {
+            while (c > g && f > 0x1p-400) {
                 f /= radix;
                 c /= sq;
             }
@@ -271,6 +273,8 @@ int companion_roots(const cd *c, int m, cd *out) {
         for (int j = 0; j < m; ++j) h(i, j) = S(i == j + 1 ? 1 : 0);
     for (int j = 0; j < m; ++j) {
         const cd v = -c[m - 1 - j] / c[m];
+        // A ratio of coefficients beyond the range has no representable roots.
+        if (!std::isfinite(v.real()) || !std::isfinite(v.imag())) return -1;
         if constexpr (std::is_same_v<S, cd>)
             h(0, j) = v;
         else
@@ -310,6 +314,12 @@ int proots(signal_t<T> &x) {
         const int status = real ? companion_roots<double>(c.get() + zeros, m, roots.get())
                                 : companion_roots<cd>(c.get() + zeros, m, roots.get());
         if (status != 0) return -1;
+        // Roots beyond the record's precision would be stored infinite.
+        constexpr double top_value = std::numeric_limits<T>::max();
+        for (int i = 0; i < m; ++i)
+            if (!(std::fabs(roots[size_t(i)].real()) <= top_value &&
+                  std::fabs(roots[size_t(i)].imag()) <= top_value))
+                return -1;
     }
     std::sort(roots.get(), roots.get() + top, [](cd a, cd b) {
         return a.real() != b.real() ? a.real() < b.real() : a.imag() < b.imag();

@@ -186,8 +186,11 @@ TYPED_TEST(Polynomial, RootsAndCoefficients) {
     }
 
     // Zero low-order coefficients are roots at 0; a constant has no roots;
-    // the zero polynomial and a NaN coefficient fail. No roots give 1.
+    // the zero polynomial, a NaN coefficient and roots beyond the range fail.
+    // No roots give 1.
     Rec<T> low({0, 0, 2, -3, 1}), constant({5}), zero({0, 0}), empty, bad({1, NAN, 2});
+    Rec<T> huge({std::numeric_limits<T>::max(), 0, std::numeric_limits<T>::denorm_min()});
+    EXPECT_EQ(DSP(i_proots)(&huge), -1);
     EXPECT_OK(DSP(i_proots)(&low), *low, {0, 0, 0, 0, 1, 0, 2, 0}, 1e-6);
     EXPECT_OK(DSP(i_proots)(&constant), *constant, {});
     EXPECT_EQ(constant->cplx, 1);
