@@ -374,6 +374,16 @@ std::vector<call<T>> calls() {
         CALL(s_samp_stddev, c.y, c.r), CALL(s_skew, c.x, c.r), CALL(s_excess, c.x, c.r),
         CALL(s_hist, c.x, c.x, c.s(-1), c.s(T(0.5)), c.i(6)),
         CALL(s_peak, c.y, c.y, c.i(0x100), c.i(0)),
+        CACHED(h_dft, c.z, c.r, c.h, c.i(DSP_WINDOW_HANN), c.i(0x200), c.i(12)),
+        CACHED(h_avg, c.x, c.r, c.h, c.i(DSP_WINDOW_HANN), c.i(0x200), c.i(8), c.i(4)),
+        // Regression, polynomials (roots of at most 40 coefficients: the eigenvalue work grows as
+        // n^3), interpolation (knots made increasing by the line generator).
+        CALL(s_lin_regres, c.x, c.r), CALL(s_lin_regres2, c.x, c.x, c.x),
+        CALL(s_psolve, c.x, c.x, c.r, c.i(3)), CALL(s_pcsolve, c.x, c.y, c.y, c.i(2)),
+        CALL(s_peval, c.p, c.y, c.r), RAW("*i_proots", (c.p->n = std::min(c.p->n, 40), DSP(i_proots)(c.p))), CALL(i_pztoc, c.z),
+        CALL(_interp, c.x, c.p, c.r, c.i(1)), CALL(_cspline, c.y, c.y, c.i(2)),
+        RAW("*b_cspline_2d", (DSP(c_line)(c.p, c.s(1), 0), DSP(b_cspline_2d)(c.p, c.p, c.r, c.i(1)))),
+        RAW("*b_inter", (DSP(c_line)(c.p, c.s(1), 0), DSP(b_inter)(c.p, c.p, c.x, c.r, c.i(2)))),
         // Generators, FIR design and resampling kernels: sizing, widening, aliased description.
         CALL(c_cos, c.w, c.s(T(0.1)), c.s(T(0.3))), CALL(c_line, c.w, c.s(T(0.5)), c.s(-1)),
         RAW("*c_cexp", (c.r->n = c.i(9), c.r->cplx = 1, DSP(c_cexp)(c.r, c.s(T(0.2)), 0))),
