@@ -35,46 +35,6 @@ template <class T>
 class WindowedSpectrum : public ::testing::Test {};
 TYPED_TEST_SUITE(WindowedSpectrum, Precisions);
 
-TYPED_TEST(WindowedSpectrum, AgainstNumpy) {
-    using T = TypeParam;
-    const double tol = std::is_same_v<T, float> ? 1e-5 : 1e-13;
-    for (int cplx : {0, 1}) {
-        for (int n : {1000, 1024}) {
-            const std::vector<T> v = tone<T>(n, cplx, 100.25, 2.0);
-            // Hann (unit mean), rotated: the record centre goes to index 0 and
-            // the padding into the middle; the level is that of n points.
-            const std::vector<double> ref = python(std::string(R"(
-import scipy.signal.windows as w
-c = )") + (cplx ? "1" : "0") + R"(
-s = x[0::2] + 1j * x[1::2] if c else x
-n = len(s)
-y = np.roll(s * 2 * w.hann(n, sym=False), -(n // 2))
-m = 1 << (n - 1).bit_length()
-y = np.concatenate([y[:(n + 1) // 2], np.zeros(m - n), y[(n + 1) // 2:]])
-X = (np.fft.fft(y) if c else np.fft.rfft(y)) / n
-print(' '.join(repr(float(t)) for t in np.column_stack([X.real, X.imag]).ravel()))
-)",
-                                                   std::vector<double>(v.begin(), v.end()));
-            Rec<T> in(v, cplx, T(1) / T(48000)), out, mag, pow;
-            EXPECT_OK(DSP(h_fft)(&in, &out, nullptr, DSP_WINDOW_HANN, 0, 0), *out,
-                      std::vector<T>(ref.begin(), ref.end()), tol);
-            EXPECT_NEAR(double(out->delta), 48000.0 / 1024, 1e-9 * 48000);
-            // The input is untouched; magnitudes and powers of the same values.
-            expect_values<T>(*in, v);
-            ASSERT_EQ(DSP(h_fft)(&in, &mag, nullptr, DSP_WINDOW_HANN, DSP_SPECTRUM_MAGNITUDE, 0),
-                      0);
-            ASSERT_EQ(DSP(h_fft)(&in, &pow, nullptr, DSP_WINDOW_HANN, DSP_SPECTRUM_POWER, 1024), 0);
-            ASSERT_EQ(mag->cplx, 0);
-            ASSERT_EQ(mag->n, out->n);
-            for (int k = 0; k < out->n; k += 37) {
-                const double m = std::hypot(double(out->data[2 * k]), double(out->data[2 * k + 1]));
-                EXPECT_NEAR(double(mag->data[k]), m, tol);
-                EXPECT_NEAR(double(pow->data[k]), m * m, tol);
-            }
-        }
-    }
-}
-
 TYPED_TEST(WindowedSpectrum, ToneLevelScratchAndFailures) {
     using T = TypeParam;
     // A tone of amplitude 2 on bin 100 of 1024 points, unit-mean flat-top,
@@ -91,14 +51,19 @@ TYPED_TEST(WindowedSpectrum, ToneLevelScratchAndFailures) {
     EXPECT_OK(flat(&out, &scratch), *out, first);
     EXPECT_OK(flat(&scratch, &scratch), *scratch, first);
     EXPECT_OK(flat(&in, nullptr), *in, first);
-    // Failures: empty, padding below n or not a power of two, bad form,
-    // flags or kind.
+    // Failures of both transforms: empty, a length below n, a bad form; of
+    // the FFT: an unknown kind, padding not a power of two, flag 8; of the
+    // DFT: a negative length.
     Rec<T> x({1, 2, 3}), empty, r({5}), one({3});
-    EXPECT_EQ(DSP(h_fft)(&empty, &r, nullptr, DSP_WINDOW_HANN, 0, 0), -1);
-    for (int pad : {2, 6}) EXPECT_EQ(DSP(h_fft)(&x, &r, nullptr, DSP_WINDOW_HANN, 0, pad), -1);
-    for (int form : {0x300, 8})
-        EXPECT_EQ(DSP(h_fft)(&x, &r, nullptr, DSP_WINDOW_HANN, form, 0), -1);
+    for (auto op : {DSP(h_fft), DSP(h_dft)}) {
+        EXPECT_EQ(op(&empty, &r, nullptr, DSP_WINDOW_HANN, 0, 0), -1);
+        EXPECT_EQ(op(&x, &r, nullptr, DSP_WINDOW_HANN, 0, 2), -1);
+        EXPECT_EQ(op(&x, &r, nullptr, DSP_WINDOW_HANN, 0x300, 0), -1);
+    }
     EXPECT_EQ(DSP(h_fft)(&x, &r, nullptr, 25, 0, 0), -1);
+    EXPECT_EQ(DSP(h_fft)(&x, &r, nullptr, DSP_WINDOW_HANN, 0, 6), -1);
+    EXPECT_EQ(DSP(h_fft)(&x, &r, nullptr, DSP_WINDOW_HANN, 8, 0), -1);
+    EXPECT_EQ(DSP(h_dft)(&x, &r, nullptr, DSP_WINDOW_HANN, 0, -1), -1);
     expect_values<T>(*r, {5});
     expect_values<T>(*x, {1, 2, 3});
     // One point, no window: the sample itself.
@@ -152,21 +117,23 @@ TYPED_TEST(WindowedSpectrum, RawArrayEntryPoints) {
     EXPECT_EQ(out, std::vector<T>(3, T(-9)));
 }
 
-// dspfh_dft for lengths that are not powers of two, with and without
-// padding, against numpy (the library's periodic Hann is centred on n/2, for
-// odd n too); powers of two give exactly the samples of dspfh_fft.
-TYPED_TEST(WindowedSpectrum, AnyLengthAgainstNumpy) {
+// Both transforms against numpy: the library's periodic Hann (unit mean,
+// centred on n/2, odd n too), rotated so that the record centre goes to
+// index 0 and the padding into the middle; the level is that of n points.
+// dspfh_fft pads to the next power of two, dspfh_dft to any length.
+TYPED_TEST(WindowedSpectrum, BothTransformsAgainstNumpy) {
     using T = TypeParam;
     const double tol = std::is_same_v<T, float> ? 2e-5 : 1e-12;
-    // n, cplx, length
-    const std::vector<std::array<int, 3>> cases = {
-        {243, 0, 0}, {243, 1, 400}, {1000, 0, 1500}, {1000, 1, 0}};
+    // n, cplx, length (0: none given), fft
+    const std::vector<std::array<int, 4>> cases = {{243, 0, 0, 0},     {243, 1, 400, 0},
+                                                   {1000, 0, 1500, 0}, {1000, 1, 0, 0},
+                                                   {1000, 0, 0, 1},    {1024, 1, 0, 1}};
     std::vector<double> all;
     std::ostringstream list;
-    for (auto [n, cplx, length] : cases) {
+    for (auto [n, cplx, length, fft] : cases) {
         const std::vector<T> v = tone<T>(n, cplx, 20.25, 2.0);
         all.insert(all.end(), v.begin(), v.end());
-        list << "(" << n << "," << cplx << "," << (length ? length : n) << "),";
+        list << "(" << n << "," << cplx << "," << (length ? length : fft ? 1024 : n) << "),";
     }
     const std::vector<double> ref =
         python("at = 0\nfor n, c, m in [" + list.str() + "]:\n" + kNextRecord +
@@ -177,15 +144,27 @@ TYPED_TEST(WindowedSpectrum, AnyLengthAgainstNumpy) {
                    "    print(*np.column_stack([X.real, X.imag]).ravel())",
                all);
     size_t at = 0, used = 0;
-    for (auto [n, cplx, length] : cases) {
-        SCOPED_TRACE(n + cplx + length);
-        const int m = length ? length : n;
+    for (auto [n, cplx, length, fft] : cases) {
+        SCOPED_TRACE(n + cplx + length + fft);
+        const int m = length ? length : fft ? 1024 : n;
         const size_t count = size_t(cplx ? 2 * m : m + 2 - m % 2);
-        Rec<T> in(take<T>(all, used, size_t(n * (1 + cplx))), cplx, T(0.5)), out;
+        const std::vector<T> v = take<T>(all, used, size_t(n * (1 + cplx)));
+        Rec<T> in(v, cplx, T(0.5)), out, mag, pow;
+        const auto op = fft ? DSP(h_fft) : DSP(h_dft);
         ASSERT_LE(at + count, ref.size());
-        EXPECT_OK(DSP(h_dft)(&in, &out, nullptr, DSP_WINDOW_HANN, 0, length), *out,
-                  take<T>(ref, at, count), tol);
+        EXPECT_OK(op(&in, &out, nullptr, DSP_WINDOW_HANN, 0, length), *out, take<T>(ref, at, count),
+                  tol);
         EXPECT_NEAR(double(out->delta), 2.0 / m, 1e-6 / m);
+        expect_values<T>(*in, v);  // the input is untouched
+        // Magnitudes and powers of the same values.
+        ASSERT_EQ(op(&in, &mag, nullptr, DSP_WINDOW_HANN, DSP_SPECTRUM_MAGNITUDE, length), 0);
+        ASSERT_EQ(op(&in, &pow, nullptr, DSP_WINDOW_HANN, DSP_SPECTRUM_POWER, m), 0);
+        ASSERT_TRUE(mag->cplx == 0 && mag->n == out->n && pow->n == out->n);
+        for (int k = 0; k < out->n; k += 37) {
+            const double a = std::hypot(double(out->data[2 * k]), double(out->data[2 * k + 1]));
+            EXPECT_NEAR(double(mag->data[k]), a, tol);
+            EXPECT_NEAR(double(pow->data[k]), a * a, tol);
+        }
     }
     EXPECT_EQ(at, ref.size());
 
@@ -196,13 +175,6 @@ TYPED_TEST(WindowedSpectrum, AnyLengthAgainstNumpy) {
               fft.values());
     EXPECT_OK(DSP(h_dft)(&p2, &p2, nullptr, DSP_WINDOW_FLATTOP, DSP_SPECTRUM_POWER, 0), *p2,
               fft.values());
-    // Failures: a length below n, an empty input, a bad form.
-    Rec<T> x({1, 2, 3}), empty, r({5});
-    for (int length : {2, -1})
-        EXPECT_EQ(DSP(h_dft)(&x, &r, nullptr, DSP_WINDOW_HANN, 0, length), -1);
-    EXPECT_EQ(DSP(h_dft)(&empty, &r, nullptr, DSP_WINDOW_HANN, 0, 0), -1);
-    EXPECT_EQ(DSP(h_dft)(&x, &r, nullptr, DSP_WINDOW_HANN, 0x300, 5), -1);
-    expect_values<T>(*r, {5});
 }
 
 // dspfh_avg equals scipy.signal.welch given the library's window: real and
