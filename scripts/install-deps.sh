@@ -4,7 +4,8 @@
 # they are all present.
 set -euo pipefail
 packages=(cmake g++ make pkg-config libgtest-dev libbenchmark-dev
-          python3-numpy python3-scipy libfftw3-dev libkissfft-dev libliquid-dev)
+          python3-numpy python3-scipy libfftw3-dev libkissfft-dev libliquid-dev
+          libsamplerate0-dev libsoxr-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")
