@@ -94,6 +94,32 @@ inline void dot(const T *s, int64_t W, const C &c, T *out) {
     }
 }
 
+// The same sum for real samples and taps laid out by phase, on four-lane
+// vectors: lane j is the partial sum a[j] above, so the bits are the same.
+template <class T>
+struct lanes {
+    typedef T type __attribute__((vector_size(4 * sizeof(T))));
+};
+
+template <bool Interp, class T>
+inline T dot_rows(const T *s, const T *row, int64_t W, int64_t next, T r) {
+    using V = typename lanes<T>::type;
+    V acc = {}, c, x, d;
+    int64_t t = 0;
+    for (; t + 4 <= W; t += 4) {
+        std::memcpy(&c, row + t, sizeof c);
+        std::memcpy(&x, s + t, sizeof x);
+        if constexpr (Interp) {
+            std::memcpy(&d, row + next + t, sizeof d);
+            c = c + r * (d - c);
+        }
+        acc += x * c;
+    }
+    T v = (acc[0] + acc[1]) + (acc[2] + acc[3]);
+    for (; t < W; ++t) v += s[t] * (Interp ? row[t] + r * (row[next + t] - row[t]) : row[t]);
+    return v;
+}
+
 template <class T>
 struct walker {
     T pos;
@@ -105,13 +131,19 @@ struct walker {
     // rounding above 0), so that a carried position is always above -1.
     bool consume() {
         if (!(pos > T(0))) return true;
+        if (pos <= T(1) && idx < last) {  // the usual single sample
+            const T rest = pos - T(1);
+            if (rest > T(-1)) pos = rest, ++idx;
+            return true;
+        }
         const int64_t avail = last - idx;
         if (double(pos) > double(avail)) {
             pos -= T(avail);
             idx = last;
             return false;
         }
-        int64_t k = int64_t(std::ceil(pos));
+        int64_t k = int64_t(pos);  // rounded up below: the ceiling without a library call
+        if (T(k) < pos) ++k;
         T rest = pos - T(k);
         if (rest <= T(-1)) rest = pos - T(--k);
         pos = rest;
@@ -122,10 +154,12 @@ struct walker {
 
 // Outputs into out until `cap` or the end of the block. head holds s[-W ..]
 // for the windows that start in the history, src the block.
-template <int S, bool Rows, bool Interp, class T>
+// Wc: the width known when compiling (the stored kernels' 8, 10 and 13), or
+// 0.
+template <int S, bool Rows, bool Interp, int Wc = 0, class T>
 int64_t outputs(walker<T> &w, const layout<T> &k, const T *head, const T *src, T step, int64_t cap,
                 T *out) {
-    const int64_t W = k.W, P = k.P, row_step = Rows ? W : 1, tap_step = Rows ? 1 : P;
+    const int64_t W = Wc ? Wc : k.W, P = k.P, row_step = Rows ? W : 1, tap_step = Rows ? 1 : P;
     const int64_t next = row_step;
     int64_t made = 0;
     while (made < cap && w.consume()) {
@@ -135,7 +169,10 @@ int64_t outputs(walker<T> &w, const layout<T> &k, const T *head, const T *src, T
         const T *row = k.base + i * row_step;
         const T *win = w.idx < 0 ? head + S * (w.idx + W) : src + S * w.idx;
         // Phase P (reached only by rounding, with r = 0) has no next phase.
-        if (Interp && i < P)
+        if constexpr (S == 1 && Rows)
+            out[made] = Interp && i < P ? dot_rows<true>(win, row, W, next, f - T(i))
+                                        : dot_rows<false>(win, row, W, next, T(0));
+        else if (Interp && i < P)
             dot<S>(win, W, taps<T, Rows, true>{row, tap_step, next, f - T(i)}, out + S * made);
         else
             dot<S>(win, W, taps<T, Rows, false>{row, tap_step, next, T(0)}, out + S * made);
@@ -148,6 +185,20 @@ int64_t outputs(walker<T> &w, const layout<T> &k, const T *head, const T *src, T
 template <int S, class T>
 int64_t outputs(walker<T> &w, const layout<T> &k, bool interp, const T *head, const T *src, T step,
                 int64_t cap, T *out) {
+    if (S == 1 && k.rows) {
+        auto by_width = [&]<int Wc>() {
+            return interp ? outputs<S, true, true, Wc>(w, k, head, src, step, cap, out)
+                          : outputs<S, true, false, Wc>(w, k, head, src, step, cap, out);
+        };
+        switch (k.W) {
+            case 8:
+                return by_width.template operator()<8>();
+            case 10:
+                return by_width.template operator()<10>();
+            case 13:
+                return by_width.template operator()<13>();
+        }
+    }
     if (k.rows)
         return interp ? outputs<S, true, true>(w, k, head, src, step, cap, out)
                       : outputs<S, true, false>(w, k, head, src, step, cap, out);
