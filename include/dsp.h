@@ -559,6 +559,41 @@ DSP_API int cf_dsph_fft(const double *in, double *out, int n, int cplx, dsp_wind
  * with length 0 and n a power of two. */
 DSP_API int cf_dspfh_fft_fast_but_dirty(const float *in, float *out, int n, int cplx,
                                         dsp_window kind, int flags, int length);
+/* dspfh_fft for any length through the DFT (powers of two still go through
+ * the FFT): the same arguments, flags and result, except that `length` 0
+ * means n (no padding) and any length of at least n is accepted. */
+DSP_API int dspfh_dft(const dspf_signal *in, dspf_signal *result, dspf_signal *scratch,
+                      dsp_window kind, int flags, int length);
+DSP_API int dsph_dft(const dsp_signal *in, dsp_signal *result, dsp_signal *scratch,
+                     dsp_window kind, int flags, int length);
+/*
+ * Averaged power spectrum (Welch's method) of a long record. Segments of
+ * N = `segment` points (0: N = n) start every N - `overlap` points
+ * (overlap < 0: N / 2 points shared); points after the last whole segment
+ * are not used. Each segment, less its mean with DSP_SPECTRUM_DETREND, is
+ * multiplied by the window of N points (kind, flags bits 0-5; flag 8 is
+ * refused; mode and rotation do not change the result) and transformed by
+ * the DFT. The result is the real record of the mean |DFT_unscaled|^2 of the
+ * segments divided by (sum w)^2 with DSP_SPECTRUM_POWER (a tone of amplitude
+ * A reads A^2/2 in its bin, one-sided), or by fs sum w^2, fs = 1 / delta,
+ * with DSP_SPECTRUM_DENSITY (power per unit of frequency; white noise of
+ * variance s^2 reads s^2 / (fs / 2) one-sided). A real input gives the
+ * one-sided spectrum of N/2 + 1 points (every bin but 0 Hz and the Nyquist
+ * bin of even N doubled), a complex input the two-sided spectrum of N points
+ * (0 Hz at index 0). delta becomes 1 / (delta * N). `scratch` as for
+ * dspfh_fft. -1 for an empty input, N outside 1 .. n, overlap >= N, another
+ * form than power or density, a window whose sum (power) or sum of squares
+ * (density) is 0, or a failing step; invalid arguments leave the result
+ * untouched.
+ */
+enum {
+    DSP_SPECTRUM_DENSITY = 0x300,
+    DSP_SPECTRUM_DETREND = 0x400
+};
+DSP_API int dspfh_avg(const dspf_signal *in, dspf_signal *result, dspf_signal *scratch,
+                      dsp_window kind, int flags, int segment, int overlap);
+DSP_API int dsph_avg(const dsp_signal *in, dsp_signal *result, dsp_signal *scratch,
+                     dsp_window kind, int flags, int segment, int overlap);
 
 /* ------------------------------------------------------------------------
  * Element-wise binary arithmetic
@@ -1169,6 +1204,106 @@ DSP_API void vfpd_CircleFit(const double *a, const double *b, const double *c, c
  */
 DSP_API int CircularInterpolation(const double *freq, const double *refl, int n, const double *at,
                                   double *result, int m);
+
+/* ------------------------------------------------------------------------
+ * Regression and polynomials
+ * ------------------------------------------------------------------------ */
+
+/*
+ * A polynomial is a record of coefficients in ascending order: point i is
+ * the coefficient of x^i (as dspfi_pdiffer reads it; numpy.polyfit and
+ * numpy.poly1d list them the other way round). The computations run in
+ * double precision in both families. Results are written only on success
+ * and may be an input record; a statistic's result keeps its delta.
+ */
+/* out = {slope, intercept, r} (real, 3 points): the least-squares line
+ * y = slope x + intercept through the points (k delta, in[k]) and their
+ * correlation coefficient r (0 when in is constant). -1 for complex input,
+ * fewer than two points or delta 0. */
+DSP_API int dspfs_lin_regres(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_lin_regres(const dsp_signal *in, dsp_signal *out);
+/* The same through the points (x[k], y[k]); -1 also for complex x, unequal
+ * lengths or all x equal. */
+DSP_API int dspfs_lin_regres2(const dspf_signal *x, const dspf_signal *y, dspf_signal *out);
+DSP_API int dsps_lin_regres2(const dsp_signal *x, const dsp_signal *y, dsp_signal *out);
+/* out (real, degree + 1 points) = the coefficients c minimising
+ * sum |y[k] - sum c[i] x[k]^i|^2, by a QR decomposition of the Vandermonde
+ * matrix with columns scaled to unit norm (never the normal equations).
+ * -1 for complex records, unequal lengths, degree < 0, fewer than
+ * degree + 1 points, or fewer distinct x than degree + 1 (a singular fit). */
+DSP_API int dspfs_psolve(const dspf_signal *x, const dspf_signal *y, dspf_signal *out, int degree);
+DSP_API int dsps_psolve(const dsp_signal *x, const dsp_signal *y, dsp_signal *out, int degree);
+/* As psolve with real or complex x and y; out is always complex. */
+DSP_API int dspfs_pcsolve(const dspf_signal *x, const dspf_signal *y, dspf_signal *out,
+                          int degree);
+DSP_API int dsps_pcsolve(const dsp_signal *x, const dsp_signal *y, dsp_signal *out, int degree);
+/* out[k] = sum coef[i] x[k]^i (Horner) for every point of x: x.n points
+ * with x's delta, complex when coef or x is; no coefficients give zeros. */
+DSP_API int dspfs_peval(const dspf_signal *coef, const dspf_signal *x, dspf_signal *out);
+DSP_API int dsps_peval(const dsp_signal *coef, const dsp_signal *x, dsp_signal *out);
+/* Coefficients in place to the roots: a complex record of as many points as
+ * the degree (the index of the last nonzero coefficient), sorted by real
+ * part, then imaginary part; zero low-order coefficients give roots at 0.
+ * The roots are the eigenvalues of the balanced companion matrix, by a
+ * shifted Hessenberg QR iteration (in real arithmetic for real
+ * coefficients, so complex roots come in exact conjugate pairs). -1, the
+ * record unchanged, when every coefficient is 0 (or there is none), a
+ * coefficient is NaN or infinite, or the iteration does not converge. */
+DSP_API int dspfi_proots(dspf_signal *x);
+DSP_API int dspi_proots(dsp_signal *x);
+/* Roots r[0 .. n-1] in place to the n + 1 coefficients of the monic
+ * polynomial (x - r[0]) ... (x - r[n-1]), real for real roots and complex
+ * for complex ones; no roots give the constant 1. */
+DSP_API int dspfi_pztoc(dspf_signal *x);
+DSP_API int dspi_pztoc(dsp_signal *x);
+
+/* ------------------------------------------------------------------------
+ * Interpolation and splines
+ * ------------------------------------------------------------------------ */
+
+/*
+ * A tabulated function has knots x[0] < x[1] < ... < x[n-1] and values
+ * y[k], real or complex (complex values are interpolated part by part).
+ * Modes: DSP_INTERP_LINEAR joins the knots by straight lines and takes the
+ * first or last value outside them; DSP_INTERP_NATURAL and
+ * DSP_INTERP_NOT_A_KNOT are cubic splines (continuous second derivative)
+ * with zero second derivative at both ends, or with a continuous third
+ * derivative at x[1] and x[n-2]; outside the knots the first and last
+ * cubic pieces continue. Two knots give the straight line in every mode,
+ * three knots with not-a-knot ends the parabola through them, one knot its
+ * value everywhere. The knots are worked in double precision in both
+ * families. Results are written only on success and may be an input record.
+ */
+enum {
+    DSP_INTERP_LINEAR = 0,
+    DSP_INTERP_NATURAL = 1,
+    DSP_INTERP_NOT_A_KNOT = 2
+};
+/* out[j] = the function with knots x[k] = k in.delta and values in[k] at
+ * the real positions pos[j] (in the units of delta, from in's first point):
+ * pos.n points of in's kind with pos's delta. -1 for an unknown mode, an
+ * empty in, delta not positive and finite, or complex pos. */
+DSP_API int dspf_interp(const dspf_signal *in, const dspf_signal *pos, dspf_signal *out, int mode);
+DSP_API int dsp_interp(const dsp_signal *in, const dsp_signal *pos, dsp_signal *out, int mode);
+/* The second derivatives of the cubic spline (mode natural or not-a-knot)
+ * at the knots k in.delta: n points of in's kind with in's delta. -1 also
+ * for the linear mode. */
+DSP_API int dspf_cspline(const dspf_signal *in, dspf_signal *out, int mode);
+DSP_API int dsp_cspline(const dsp_signal *in, dsp_signal *out, int mode);
+/* The same for the knots x[k] with values y[k]: n points of y's kind, delta
+ * the mean of x's and y's. -1 also for complex x, unequal lengths or x not
+ * strictly increasing. */
+DSP_API int dspfb_cspline_2d(const dspf_signal *x, const dspf_signal *y, dspf_signal *out,
+                             int mode);
+DSP_API int dspb_cspline_2d(const dsp_signal *x, const dsp_signal *y, dsp_signal *out, int mode);
+/* The function with knots x[k] and values y[k] at the real positions pos[j]:
+ * pos.n points of y's kind with pos's delta. -1 for an unknown mode, an
+ * empty or complex x, unequal lengths, x not strictly increasing, or
+ * complex pos. */
+DSP_API int dspfb_inter(const dspf_signal *x, const dspf_signal *y, const dspf_signal *pos,
+                        dspf_signal *out, int mode);
+DSP_API int dspb_inter(const dsp_signal *x, const dsp_signal *y, const dsp_signal *pos,
+                       dsp_signal *out, int mode);
 
 #ifdef __cplusplus
 }

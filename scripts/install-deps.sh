@@ -4,7 +4,8 @@
 # they are all present.
 set -euo pipefail
 packages=(cmake g++ make pkg-config libgtest-dev libbenchmark-dev
-          python3-numpy python3-scipy libfftw3-dev libkissfft-dev libliquid-dev
+          python3-numpy python3-scipy python3-cffi python3-pytest python3-matplotlib
+          python3-setuptools python3-venv libfftw3-dev libkissfft-dev libliquid-dev
           libsamplerate0-dev libsoxr-dev)
 missing=()
 for p in "${packages[@]}"; do

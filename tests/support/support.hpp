@@ -157,6 +157,13 @@ std::vector<T> blockwise(const std::vector<T> &x, bool cplx, std::vector<int> si
     return out;
 }
 
+// The next `count` values of `all` from `at` on (advancing `at`), as T.
+template <class T>
+std::vector<T> take(const std::vector<double> &all, size_t &at, size_t count) {
+    at += count;
+    return std::vector<T>(all.begin() + ptrdiff_t(at - count), all.begin() + ptrdiff_t(at));
+}
+
 // Relative tolerance suited to the precision: a few units in the last place.
 template <class T>
 constexpr double ulps(double k = 4) {
