@@ -823,6 +823,154 @@ DSP_API int dspfi_hwfilt(dspf_signal *x, dspf_signal *state);
 DSP_API int dspi_hwfilt(dsp_signal *x, dsp_signal *state);
 
 /* ------------------------------------------------------------------------
+ * Resampling
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Polyphase resampling by `step` input samples per output (0.5 doubles the
+ * rate) with a kernel record from dspfc_rsmp & co.: point 0 the width W,
+ * then W P + 1 values (P phases per tap, N - 2 = W P); tap t at phase i is
+ * kernel[1 + i + t P]. Each output is sum_t s[idx + t] c_t over a window of
+ * W samples at the read position pos in (-1, 0], phase -pos P: mode 0 takes
+ * the nearest lower phase, mode 1 interpolates linearly between the two
+ * neighbouring phases. The window moves on by whole samples and outputs are
+ * made while it lies within the block, at most y.n on entry (the number
+ * wanted); y.n becomes the number made and y.delta = step x.delta. The
+ * optional history (W + 2 points, converted to x's kind and padded with
+ * zeros) holds the W samples the next window starts with, the carried
+ * position and, as a number, how many of those samples came from the last
+ * block; samples before the block are zeros without it. Blocks run with one
+ * history give the outputs of one call on the whole. A kernel of at most
+ * one point copies x. -1 for a negative or NaN step, a width below 1, a
+ * complex kernel, N - 2 not a multiple of W, a mode other than 0 or 1, a
+ * carried position at or below -1, or the history sharing storage with x,
+ * y or the kernel (or the kernel with y). y may be x.
+ */
+DSP_API int dspfd_rsmp(const dspf_signal *x, dspf_signal *y, int mode, const dspf_signal *kernel,
+                       float step, dspf_signal *history);
+DSP_API int dspd_rsmp(const dsp_signal *x, dsp_signal *y, int mode, const dsp_signal *kernel,
+                      double step, dsp_signal *history);
+/* dspfd_rsmp with stored kernel kernel_mode 0 .. 4 of 8194, 13314, 2050,
+ * 10242 or 13314 points (1024 phases per tap; 256 for kernel 2), built once
+ * per process; -1 for another kernel mode. */
+DSP_API int dspfd_rsmp2(const dspf_signal *x, dspf_signal *y, int mode, int kernel_mode,
+                        float step, dspf_signal *history);
+DSP_API int dspd_rsmp2(const dsp_signal *x, dsp_signal *y, int mode, int kernel_mode, double step,
+                       dsp_signal *history);
+
+/* ------------------------------------------------------------------------
+ * Streaming resampler
+ * ------------------------------------------------------------------------ */
+
+/* Constant data of the streaming resampler (fields in this order). */
+typedef struct {
+    dspf_signal halfband;  /* first half of the half-band filter (stored set 101) */
+    int32_t halfband_odd;  /* 1: full length 2 n - 1 (39 taps) */
+    dspf_signal prefilter; /* first half of the pre-filter (stored set 100) */
+    int32_t prefilter_odd; /* 1: full length 2 n - 1 (23 taps) */
+    dspf_signal kernel;    /* stored kernel 4: width 13, 1024 phases per tap */
+    int32_t kernel_mode;   /* 1 once the kernel is made; the dspfd_rsmp mode */
+    float ratio;           /* ratio in use (1.0 after setup) */
+    int32_t stages;        /* half-band and decimation-by-two stages before the fine stage */
+    int32_t fine;          /* fine stage switch */
+    int32_t skip_in;       /* samples dropped after the coarse stages */
+    int32_t skip_out;      /* samples dropped after the fine stage */
+} dspfh_rsmp_coef;
+
+typedef struct {
+    dsp_signal halfband;
+    int32_t halfband_odd;
+    dsp_signal prefilter;
+    int32_t prefilter_odd;
+    dsp_signal kernel;
+    int32_t kernel_mode;
+    double ratio;
+    int32_t stages;
+    int32_t fine;
+    int32_t skip_in;
+    int32_t skip_out;
+} dsph_rsmp_coef;
+
+/* History of the streaming resampler (fields in this order). */
+typedef struct {
+    int32_t stages;                /* coarse stages the arrays below hold */
+    dspf_signal *stage_history;    /* per coarse stage: half-band filter history */
+    dspf_signal *stage_phase;      /* per coarse stage: decimation phase */
+    int32_t skip_in;               /* input-side samples still to drop */
+    dspf_signal prefilter_history; /* fine stage: pre-filter history */
+    dspf_signal kernel_history;    /* fine stage: dspfd_rsmp history */
+    dspf_signal halfband_history;  /* fine stage: half-band filter history */
+    dspf_signal phase;             /* fine stage: decimation phase */
+    int32_t skip_out;              /* output-side samples still to drop */
+} dspfh_rsmp_state;
+
+typedef struct {
+    int32_t stages;
+    dsp_signal *stage_history;
+    dsp_signal *stage_phase;
+    int32_t skip_in;
+    dsp_signal prefilter_history;
+    dsp_signal kernel_history;
+    dsp_signal halfband_history;
+    dsp_signal phase;
+    int32_t skip_out;
+} dsph_rsmp_state;
+
+/*
+ * Calling order: coef_init, coef_alloc, coef_setup; state_init, state_alloc
+ * (optional), state_reset; dspfh_rsmp per block; state_destroy and
+ * coef_destroy. init, destroy and reset accept null records (0, nothing
+ * done).
+ */
+/* Empty records; flags, counts and skips 0. */
+DSP_API int dspfh_rsmp_coef_init(dspfh_rsmp_coef *coef);
+DSP_API int dsph_rsmp_coef_init(dsph_rsmp_coef *coef);
+/* mode must be 0 (else -1, nothing touched): loads the half-band and
+ * pre-filter halves (odd flags 1) and builds the kernel (kernel_mode 1). */
+DSP_API int dspfh_rsmp_coef_alloc(dspfh_rsmp_coef *coef, int mode);
+DSP_API int dsph_rsmp_coef_alloc(dsph_rsmp_coef *coef, int mode);
+/* reserved must be 0 (else -1, nothing touched). The chain always runs at
+ * the ratio 1.0, whatever `ratio` says: no coarse stages, no input skip, and
+ * an output skip of 54 when `fine` is set (0 otherwise). */
+DSP_API int dspfh_rsmp_coef_setup(dspfh_rsmp_coef *coef, float ratio, int fine, int reserved);
+DSP_API int dsph_rsmp_coef_setup(dsph_rsmp_coef *coef, double ratio, int fine, int reserved);
+/* Frees the three records, then as init. */
+DSP_API int dspfh_rsmp_coef_destroy(dspfh_rsmp_coef *coef);
+DSP_API int dsph_rsmp_coef_destroy(dsph_rsmp_coef *coef);
+/* Empty state: no stages, empty records, skips 0. */
+DSP_API int dspfh_rsmp_state_init(dspfh_rsmp_state *state);
+DSP_API int dsph_rsmp_state_init(dsph_rsmp_state *state);
+/* Shapes the state for coef and the input kind (cplx != 0): one history
+ * and one phase record per coarse stage, each history converted to the kind
+ * and padded with zeros to its filter's length - 1 (the kernel history to
+ * W + 2), each phase to one point. -1 for null records or no memory. */
+DSP_API int dspfh_rsmp_state_alloc(const dspfh_rsmp_coef *coef, dspfh_rsmp_state *state,
+                                   int cplx);
+DSP_API int dsph_rsmp_state_alloc(const dsph_rsmp_coef *coef, dsph_rsmp_state *state, int cplx);
+/* Zeros every history and phase; loads the skips from coef. */
+DSP_API int dspfh_rsmp_state_reset(const dspfh_rsmp_coef *coef, dspfh_rsmp_state *state);
+DSP_API int dsph_rsmp_state_reset(const dsph_rsmp_coef *coef, dsph_rsmp_state *state);
+/* Frees every record and both arrays, then as init. */
+DSP_API int dspfh_rsmp_state_destroy(dspfh_rsmp_state *state);
+DSP_API int dsph_rsmp_state_destroy(dsph_rsmp_state *state);
+/*
+ * One block x into y (at most y.n on entry points): each coarse stage
+ * filters with the half-band filter and keeps every second sample, then the
+ * fine stage (when switched on, or at a ratio other than 1) filters with the
+ * pre-filter, resamples with the kernel at step ratio / 2, filters with the
+ * half-band filter and keeps every second sample; the state's skips drop the
+ * first samples of the stream. Neither stage: y is a copy of x. The state
+ * is shaped for x's kind first. A null state runs the block alone (fresh
+ * histories, nothing dropped); a null scratch uses a temporary record.
+ * -1 (or the failing step's status) on failure; -1 for a null coef or a
+ * scratch sharing storage with y. y may be x.
+ */
+DSP_API int dspfh_rsmp(const dspf_signal *x, dspf_signal *y, dspf_signal *scratch,
+                       const dspfh_rsmp_coef *coef, dspfh_rsmp_state *state);
+DSP_API int dsph_rsmp(const dsp_signal *x, dsp_signal *y, dsp_signal *scratch,
+                      const dsph_rsmp_coef *coef, dsph_rsmp_state *state);
+
+/* ------------------------------------------------------------------------
  * Descriptive statistics
  * ------------------------------------------------------------------------ */
 

@@ -117,17 +117,18 @@ std::vector<std::complex<long double>> as_points(const std::vector<T> &v, bool c
 
 // The scalars x (complex points when cplx) in blocks of the sizes given
 // (taken in turn; 0 allowed), each run through op(block, result), the result
-// being one record kept across blocks or, for odd-numbered blocks, the block
-// itself (in place); the results' scalars one after the other.
+// being one record kept across blocks or, for odd-numbered blocks when
+// in_place, the block itself; the results' scalars one after the other.
 template <class T, class Op>
-std::vector<T> blockwise(const std::vector<T> &x, bool cplx, std::vector<int> sizes, Op op) {
+std::vector<T> blockwise(const std::vector<T> &x, bool cplx, std::vector<int> sizes, Op op,
+                         bool in_place = true) {
     const size_t c = cplx ? 2 : 1, n = x.size() / c;
     Rec<T> y;
     std::vector<T> out;
     for (size_t at = 0, b = 0; at < n; ++b) {
         const size_t len = std::min(size_t(sizes[b % sizes.size()]), n - at);
         Rec<T> xb(std::vector<T>(x.begin() + c * at, x.begin() + c * (at + len)), cplx);
-        Rec<T> &r = b % 2 ? xb : y;
+        Rec<T> &r = in_place && b % 2 ? xb : y;
         EXPECT_EQ(op(xb.get(), r.get()), 0) << "block " << b << " at " << at;
         const auto v = r.values();
         out.insert(out.end(), v.begin(), v.end());
