@@ -115,6 +115,35 @@ struct args {
         }
         return status;
     }
+    // The streaming resampler set up (coef mode i(0), fine stage i(1)), then
+    // x in blocks of i(7) points through a state into r with z as scratch,
+    // or (blocks false) x alone in place with no state or scratch; both
+    // records destroyed whatever failed.
+    int resampler(bool blocks) const {
+        using TypeParam = T;
+        std::conditional_t<std::is_same_v<T, float>, dspfh_rsmp_coef, dsph_rsmp_coef> coef;
+        std::conditional_t<std::is_same_v<T, float>, dspfh_rsmp_state, dsph_rsmp_state> state;
+        DSP(h_rsmp_coef_init)(&coef), DSP(h_rsmp_state_init)(&state);
+        int status = DSP(h_rsmp_coef_alloc)(&coef, i(0));
+        if (!status) status = DSP(h_rsmp_coef_setup)(&coef, s(1), i(1), i(0));
+        if (!status && !blocks) status = DSP(h_rsmp)(x, x, nullptr, &coef, nullptr);
+        if (!status && blocks) {
+            status = DSP(h_rsmp_state_alloc)(&coef, &state, x->cplx) ||
+                     DSP(h_rsmp_state_reset)(&coef, &state);
+            if (r == x || z == x)
+                return DSP(h_rsmp_state_destroy)(&state) | DSP(h_rsmp_coef_destroy)(&coef);
+            const int64_t n = x->n > 0 ? x->n : 0, step = std::max(1, i(7));
+            for (int64_t at = 0; at < n && !status; at += step) {
+                sig<T> block = *x;
+                block.data = x->data + (x->cplx ? 2 : 1) * at, block.alloc = 0;
+                block.n = int32_t(std::min(step, n - at));
+                r->n = block.n;
+                status = DSP(h_rsmp)(&block, r, z, &coef, &state);
+            }
+        }
+        DSP(h_rsmp_state_destroy)(&state), DSP(h_rsmp_coef_destroy)(&coef);
+        return status ? -1 : 0;
+    }
     // A long filter (through the FFT) over a long block in place, with a
     // complex history.
     int fir_long() const {
@@ -401,6 +430,15 @@ std::vector<call<T>> calls() {
         CALL(i_hwfilt, c.x, nullptr),
         CALL(h_corr, c.x, c.y, c.r, c.h, c.i(5), c.i(1)),
         CALL(b_corr, c.y, c.y, c.y, nullptr, c.i(16)), CALL(b_corr, c.x, c.x, c.x, c.x, c.i(3)),
+        // Polyphase resampling (y.n on entry: the outputs wanted) and the streaming resampler.
+        RAW("*d_rsmp", (c.p->n = c.i(34), DSP(c_rsmp)(c.p, c.i(2)) ? -1 : (c.r->n = c.i(40), DSP(d_rsmp)(c.x, c.r, c.i(1), c.p, c.s(T(0.9)), c.h)))),
+        RAW("*d_rsmp2", (c.r->n = c.i(40), DSP(d_rsmp2)(c.y, c.r, c.i(0), c.i(4), c.s(T(1.1)), c.h))),
+        CALL(d_rsmp2, c.x, c.x, c.i(1), c.i(2), c.s(T(0.5)), nullptr),
+        RAW("*h_rsmp", c.resampler(true)), RAW("*h_rsmp", c.resampler(false)),
+        RAW("*h_rsmp_coef_init", c.resampler(false)), RAW("*h_rsmp_coef_alloc", c.resampler(false)),
+        RAW("*h_rsmp_coef_setup", c.resampler(false)), RAW("*h_rsmp_coef_destroy", c.resampler(false)),
+        RAW("*h_rsmp_state_init", c.resampler(true)), RAW("*h_rsmp_state_alloc", c.resampler(true)),
+        RAW("*h_rsmp_state_reset", c.resampler(true)), RAW("*h_rsmp_state_destroy", c.resampler(true)),
         // Trace kernels on caller arrays: VOID (no status), KEEP (an index or count, kept in iv;
         // a negative count is the status -1).
         RAW("vfp*bMul1", VOID(VFPB(Mul1)(c.s(2), c.arr, c.at(16)))),
