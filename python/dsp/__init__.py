@@ -27,7 +27,7 @@ from .stats import (excess, gmean, hist, hmean, magsq_sum, max, mean, median, mi
 from .trace import (expand_linear, expand_log, find_max, find_min, format_trace, trace_mul,
                     scale_to_fp, scale_to_int, smooth, unwrap_phase)
 from .transform import analytic, dct, dft, fft, hilbert, ifft, irdft, irfft, rdft, rfft
-from .windows import (Spectrum, apply_window, averaged_spectrum, enbw, spectrum, window,
+from .windows import (Spectrum, apply_window, averaged_spectrum, dft_spectrum, enbw, spectrum, welch, window,
                       window_kind, window_scale)
 
 __version__ = "2.5.0"
