@@ -19,6 +19,8 @@ from .binary import (add, avg_add, conj_mul, correlate, div, dot, maximum, minim
 from .calib import circle_fit, circular_interpolation, inv, matmul, one_port_terms
 from .elementwise import (acos, asin, conj, cosh, db, differ, exp, exp10, i0, integ, limit, log,
                           log10, mag, magsq, phase, recip, sinh, sqrt, square, unwrap, y0, y1)
+from .fit import (MODES, cspline, cspline_2d, inter, interp, lin_regres, lin_regres2, pcsolve, peval,
+                  proots, psolve, pztoc)
 from .generate import cexp, cos, line, resampling_kernel
 from .filter import (FIR_KINDS, Decimator, FirFilter, HalfBandFilter, decimate, fir, fir_design,
                      fir_stored, halfband, sfir)
