@@ -136,7 +136,9 @@ DSP_API int dsp_destroy(dsp_signal *x);
  * kept when a new block is taken. */
 DSP_API int dspf_alloc(dspf_signal *x);
 DSP_API int dsp_alloc(dsp_signal *x);
-/* Like alloc, but keeps the leading points of the previous shape. */
+/* Like alloc, but keeps the leading points of the previous shape. A failed
+ * growth leaves alloc 0 and data null, releasing the block the record owned
+ * (through the free hook when one is set). */
 DSP_API int dspf_realloc(dspf_signal *x, int prev_n, int prev_cplx);
 DSP_API int dsp_realloc(dsp_signal *x, int prev_n, int prev_cplx);
 /* Appends the points of b to a (a becomes complex if b is). */
@@ -395,7 +397,8 @@ DSP_API int dspi_bitrev_scale(dsp_signal *x);
  * wrapped in a temporary record that does not own the array. Complex data
  * is transformed in the caller's array. Real data must not be passed: the
  * transform widens the temporary record into storage of its own, so the
- * result is not in the caller's array and that storage is never released.
+ * result never reaches the caller's array (that storage is released; the
+ * status is that of the transform).
  */
 DSP_API int cf_dspfi_fft(float *data, int n, int cplx, int inverse);
 DSP_API int cf_dspi_fft(double *data, int n, int cplx, int inverse);
@@ -759,7 +762,9 @@ DSP_API int dspc_rsmp(dsp_signal *kernel, int mode);
  * call on the whole (to rounding). Null: zeros before every block, nothing
  * kept. y has n points, complex when x or h is, delta of x; y may be x.
  * An empty filter (m <= 0) copies x. -1 when the filter or the history
- * shares storage with y, or the history with x.
+ * shares storage with y, or the history with x. A history (or a decimation
+ * phase, a half-band state) whose growth fails is left empty: -1, and the
+ * next block starts from zeros.
  *
  * Direct convolution for a complex filter, a block shorter than m-1 points,
  * or m < 46 (real x) / m < 36 (complex x); otherwise through the FFT over

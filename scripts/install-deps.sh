@@ -5,7 +5,8 @@
 set -euo pipefail
 packages=(cmake g++ make pkg-config libgtest-dev libbenchmark-dev
           python3-numpy python3-scipy python3-cffi python3-pytest python3-matplotlib
-          python3-setuptools python3-venv libfftw3-dev libkissfft-dev libliquid-dev)
+          python3-setuptools python3-venv libfftw3-dev libkissfft-dev libliquid-dev
+          clang libclang-rt-14-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")
