@@ -19,6 +19,8 @@ from .binary import (add, avg_add, conj_mul, correlate, div, dot, maximum, minim
 from .calib import circle_fit, circular_interpolation, inv, matmul, one_port_terms
 from .elementwise import (acos, asin, conj, cosh, db, differ, exp, exp10, i0, integ, limit, log,
                           log10, mag, magsq, phase, recip, sinh, sqrt, square, unwrap, y0, y1)
+from .fit import (MODES, cspline, cspline_2d, inter, interp, lin_regres, lin_regres2, pcsolve, peval,
+                  proots, psolve, pztoc)
 from .generate import cexp, cos, line, resampling_kernel
 from .filter import (FIR_KINDS, Decimator, FirFilter, HalfBandFilter, decimate, fir, fir_design,
                      fir_stored, halfband, sfir)
@@ -27,7 +29,7 @@ from .stats import (excess, gmean, hist, hmean, magsq_sum, max, mean, median, mi
 from .trace import (expand_linear, expand_log, find_max, find_min, format_trace, trace_mul,
                     scale_to_fp, scale_to_int, smooth, unwrap_phase)
 from .transform import analytic, dct, dft, fft, hilbert, ifft, irdft, irfft, rdft, rfft
-from .windows import (Spectrum, apply_window, averaged_spectrum, enbw, spectrum, window,
+from .windows import (Spectrum, apply_window, averaged_spectrum, dft_spectrum, enbw, spectrum, welch, window,
                       window_kind, window_scale)
 
 __version__ = "2.5.0"

@@ -16,6 +16,8 @@ from ._core import DspError, ffi, lib
 
 _NORMS = {"mean": 0, "rms": 1, "peak": 2}
 _FORMS = {"complex": 0x000, "magnitude": 0x100, "power": 0x200}
+_SCALINGS = {"power": 0x200, "density": 0x300}
+_DETREND = 0x400
 _SCRATCH = {}
 
 
@@ -107,6 +109,18 @@ def _scratch(fam):
     return _SCRATCH[fam]
 
 
+def _transform(export, x, window, norm, form, length, delta, rotate, symmetric, lengths):
+    a, fam = _core.vector(x)
+    if form not in _FORMS:
+        raise ValueError(f"form must be one of {', '.join(_FORMS)}, not {form!r}")
+    flags = _flags(norm, symmetric, rotate) | _FORMS[form]
+    out = _core.record(fam)
+    fam.call(export, _core.record(fam, a, delta), out, _scratch(fam), window_kind(window), flags,
+             length, why=f"needs a non-empty signal, a length of 0 or {lengths} of at least "
+             f"{len(a)}, and a window {window!r} that takes these options")
+    return Spectrum(_core.values(out, fam), float(out.delta), a.dtype.kind != "c")
+
+
 def spectrum(x, window="flattop", norm="mean", form="power", length=0, delta=1.0, rotate=True,
              symmetric=False):
     """The windowed, zero-padded spectrum of `x` with its bin spacing.
@@ -121,14 +135,45 @@ def spectrum(x, window="flattop", norm="mean", form="power", length=0, delta=1.0
 
     Equivalent: ``numpy.fft.rfft(x * w, length) / len(x)`` with w the window, scaled by
     length / len(x) (and magnitude or power taken)."""
+    return _transform("dspfh_fft", x, window, norm, form, length, delta, rotate, symmetric,
+                      "a power of two")
+
+
+def dft_spectrum(x, window="flattop", norm="mean", form="power", length=0, delta=1.0,
+                 rotate=True, symmetric=False):
+    """``spectrum`` for any length: the same arguments and result, except that `length` 0
+    means len(x) (no padding) and any length of at least len(x) is taken (lengths that are
+    not powers of two go through the DFT).
+
+    Equivalent: ``numpy.fft.rfft(x * w, length) / len(x)`` (``numpy.fft.fft`` for complex x)
+    with w the window, and the magnitude or power taken."""
+    return _transform("dspfh_dft", x, window, norm, form, length, delta, rotate, symmetric,
+                      "a length")
+
+
+def welch(x, segment=0, overlap=-1, window="hann", scaling="power", detrend=False, delta=1.0,
+          symmetric=False):
+    """Welch's averaged power spectrum with its bin spacing: the mean of |X|^2 over segments
+    of `segment` points (0: the whole record) starting every segment - `overlap` points
+    (overlap < 0: half a segment), X the DFT of the segment (less its mean with `detrend`)
+    times the window of `segment` points; divided by (sum w)^2 for the "power" `scaling` (a
+    tone of amplitude A reads A^2/2) or by sum w^2 / delta for "density" (power per unit of
+    frequency). Real x gives the one-sided spectrum (segment/2 + 1 bins, all but 0 Hz and
+    Nyquist doubled), complex x the two-sided one. Points after the last whole segment are
+    not used.
+
+    Equivalent: ``scipy.signal.welch(x, 1 / delta, window=w, nperseg=segment,
+    noverlap=overlap, detrend="constant" if detrend else False, scaling="spectrum" or
+    "density", return_onesided=not complex)[1]`` with w the library's window (for even
+    segments scipy's periodic window of the same name)."""
     a, fam = _core.vector(x)
-    if form not in _FORMS:
-        raise ValueError(f"form must be one of {', '.join(_FORMS)}, not {form!r}")
-    flags = _flags(norm, symmetric, rotate) | _FORMS[form]
+    if scaling not in _SCALINGS:
+        raise ValueError(f"scaling must be one of {', '.join(_SCALINGS)}, not {scaling!r}")
+    flags = _flags("mean", symmetric) | _SCALINGS[scaling] | (_DETREND if detrend else 0)
     out = _core.record(fam)
-    fam.call("dspfh_fft", _core.record(fam, a, delta), out, _scratch(fam), window_kind(window),
-             flags, length, why="needs a non-empty signal, a length of 0 or a power of two of at "
-             f"least {len(a)}, and a window {window!r} that takes these options")
+    fam.call("dspfh_avg", _core.record(fam, a, delta), out, _scratch(fam), window_kind(window),
+             flags, segment, overlap, why=f"needs a segment of 0 to {len(a)} points (at least "
+             f"one), an overlap below it and a window {window!r} with a nonzero sum")
     return Spectrum(_core.values(out, fam), float(out.delta), a.dtype.kind != "c")
 
 
@@ -140,7 +185,9 @@ def averaged_spectrum(x, segments, window="flattop", norm="mean", length=0, delt
     Equivalent (one-sided, without the doubling): ``scipy.signal.welch(x, window=w,
     nperseg=m, noverlap=0, nfft=length, detrend=False, scaling="spectrum")`` with w the
     window and m the segment length. Each segment goes through the windowed spectrum of the
-    library; the mean is taken here."""
+    library, zero-padded as ``spectrum`` pads, and the mean is taken here: the spectrum tool
+    locates tones between bins on the padded segments, which ``welch`` (the library's own
+    average, unpadded) does not give."""
     a, fam = _core.vector(x)
     if segments < 1 or a.size // segments < 1:
         raise ValueError(f"averaged_spectrum: {a.size} points do not make {segments} segments")
