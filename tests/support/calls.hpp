@@ -16,6 +16,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <limits>
 #include <string>
 #include <type_traits>
@@ -114,6 +115,11 @@ struct args {
                                 : pick<T>(dspfd_hwfilt, dspd_hwfilt)(&block, r, nullptr, h);
         }
         return status;
+    }
+    // The number of outputs wanted, put in r's n unless r is also one of
+    // the inputs (whose n counts its stored points).
+    void want(sig<T> *r, int n, std::initializer_list<const sig<T> *> inputs) const {
+        if (std::find(inputs.begin(), inputs.end(), r) == inputs.end()) r->n = i(n);
     }
     // The streaming resampler set up (coef mode i(0), fine stage i(1)), then
     // x in blocks of i(7) points through a state into r with z as scratch,
@@ -411,8 +417,8 @@ std::vector<call<T>> calls() {
         CALL(s_psolve, c.x, c.x, c.r, c.i(3)), CALL(s_pcsolve, c.x, c.y, c.y, c.i(2)),
         CALL(s_peval, c.p, c.y, c.r), RAW("*i_proots", (c.p->n = std::min(c.p->n, 40), DSP(i_proots)(c.p))), CALL(i_pztoc, c.z),
         CALL(_interp, c.x, c.p, c.r, c.i(1)), CALL(_cspline, c.y, c.y, c.i(2)),
-        RAW("*b_cspline_2d", (DSP(c_line)(c.p, c.s(1), 0), DSP(b_cspline_2d)(c.p, c.p, c.r, c.i(1)))),
-        RAW("*b_inter", (DSP(c_line)(c.p, c.s(1), 0), DSP(b_inter)(c.p, c.p, c.x, c.r, c.i(2)))),
+        RAW("*b_cspline_2d", (DSP(c_line)(c.p, c.s(1), 0) ? -1 : DSP(b_cspline_2d)(c.p, c.p, c.r, c.i(1)))),
+        RAW("*b_inter", (DSP(c_line)(c.p, c.s(1), 0) ? -1 : DSP(b_inter)(c.p, c.p, c.x, c.r, c.i(2)))),
         // Generators, FIR design and resampling kernels: sizing, widening, aliased description.
         CALL(c_cos, c.w, c.s(T(0.1)), c.s(T(0.3))), CALL(c_line, c.w, c.s(T(0.5)), c.s(-1)),
         RAW("*c_cexp", (c.r->n = c.i(9), c.r->cplx = 1, DSP(c_cexp)(c.r, c.s(T(0.2)), 0))),
@@ -431,8 +437,8 @@ std::vector<call<T>> calls() {
         CALL(h_corr, c.x, c.y, c.r, c.h, c.i(5), c.i(1)),
         CALL(b_corr, c.y, c.y, c.y, nullptr, c.i(16)), CALL(b_corr, c.x, c.x, c.x, c.x, c.i(3)),
         // Polyphase resampling (y.n on entry: the outputs wanted) and the streaming resampler.
-        RAW("*d_rsmp", (c.p->n = c.i(34), DSP(c_rsmp)(c.p, c.i(2)) ? -1 : (c.r->n = c.i(40), DSP(d_rsmp)(c.x, c.r, c.i(1), c.p, c.s(T(0.9)), c.h)))),
-        RAW("*d_rsmp2", (c.r->n = c.i(40), DSP(d_rsmp2)(c.y, c.r, c.i(0), c.i(4), c.s(T(1.1)), c.h))),
+        RAW("*d_rsmp", (c.p->n = c.i(34), DSP(c_rsmp)(c.p, c.i(2)) ? -1 : (c.want(c.r, 40, {c.x, c.p, c.h}), DSP(d_rsmp)(c.x, c.r, c.i(1), c.p, c.s(T(0.9)), c.h)))),
+        RAW("*d_rsmp2", (c.want(c.r, 40, {c.y, c.h}), DSP(d_rsmp2)(c.y, c.r, c.i(0), c.i(4), c.s(T(1.1)), c.h))),
         CALL(d_rsmp2, c.x, c.x, c.i(1), c.i(2), c.s(T(0.5)), nullptr),
         RAW("*h_rsmp", c.resampler(true)), RAW("*h_rsmp", c.resampler(false)),
         RAW("*h_rsmp_coef_init", c.resampler(false)), RAW("*h_rsmp_coef_alloc", c.resampler(false)),
