@@ -22,6 +22,7 @@ from .elementwise import (acos, asin, conj, cosh, db, differ, exp, exp10, i0, in
 from .fit import (MODES, cspline, cspline_2d, inter, interp, lin_regres, lin_regres2, pcsolve, peval,
                   proots, psolve, pztoc)
 from .generate import cexp, cos, line, resampling_kernel
+from .resample import Resampler, StreamingResampler, resample
 from .filter import (FIR_KINDS, Decimator, FirFilter, HalfBandFilter, decimate, fir, fir_design,
                      fir_stored, halfband, sfir)
 from .stats import (excess, gmean, hist, hmean, magsq_sum, max, mean, median, min, peak, rms,
