@@ -13,6 +13,14 @@
 #include "dsp.h"
 #include "frame/traits.hpp"
 
+// The POSIX constants of <cmath>, which strict-standard Windows headers omit.
+#ifndef M_PI
+#define M_PI 3.14159265358979323846
+#endif
+#ifndef M_PIl
+#define M_PIl 3.141592653589793238462643383279502884L
+#endif
+
 namespace dsp_test {
 
 using Precisions = ::testing::Types<float, double>;

@@ -27,6 +27,7 @@ class WindowedSpectrum : public ::testing::Test {};
 TYPED_TEST_SUITE(WindowedSpectrum, Precisions);
 
 TYPED_TEST(WindowedSpectrum, AgainstNumpy) {
+    DSP_NEED_PYTHON();
     using T = TypeParam;
     const double tol = std::is_same_v<T, float> ? 1e-5 : 1e-13;
     for (int cplx : {0, 1}) {
