@@ -42,6 +42,19 @@ extern "C" {
  * number of scalars the record owns at `data`; 0 or less means the storage
  * belongs to the caller and is never freed, reallocated or written by the
  * library's sizing. Storage only grows.
+ *
+ * The layout is fixed, for callers that declare or allocate records
+ * themselves (byte offsets; the test RecordLayout checks them):
+ *
+ *                                delta data alloc  n  cplx reserved  size align
+ *   dspf_signal  32-bit ARM        0     4     8  12   16     20      24    4
+ *                64-bit (x86-64,   0     8    16  20   24     28      32    8
+ *                AArch64, Win64)
+ *   dsp_signal   32-bit ARM        0     8    12  16   20     24      32    8
+ *                64-bit            0     8    16  20   24     28      32    8
+ *
+ * On 32-bit ARM, doubles are aligned to 8 bytes: dsp_signal's data follows
+ * its delta at offset 8 and the record ends with 4 bytes of padding.
  */
 typedef struct {
     float delta;     /* sample spacing; 1.0 after init */
