@@ -1,20 +1,54 @@
 #!/usr/bin/env bash
-# Builds and runs the whole test suite twice: a Release build with warnings
-# as errors, then a build under AddressSanitizer and
-# UndefinedBehaviorSanitizer that stops at the first finding.
+# Builds and runs the whole test suite:
+#   release   Release build with warnings as errors
+#   sanitize  build under AddressSanitizer and UndefinedBehaviorSanitizer that
+#             stops at the first finding
+#   arm32     cross build for 32-bit ARM hard-float, suite under qemu-arm
+#   arm64     cross build for 64-bit ARM, suite under qemu-aarch64
+#   mingw     Windows build (dsp.dll, import library, export check), suite
+#             under Wine
+# With build names as arguments, only those run (scripts/test.sh arm32).
+# Build directories under build/ are kept and reused.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 jobs=$(nproc)
+builds=("$@")
+[ ${#builds[@]} -eq 0 ] && builds=(release sanitize arm32 arm64 mingw)
 
-echo "== Release build (-Wall -Wextra -Werror)"
-cmake -S . -B build/release -DCMAKE_BUILD_TYPE=Release -DDSP_WERROR=ON -DDSP_BUILD_BENCH=ON >/dev/null
-cmake --build build/release -j"$jobs"
-ctest --test-dir build/release --output-on-failure -j"$jobs"
+# Configures, builds and tests build/NAME with the given cmake arguments;
+# CTest arguments after --.
+run() {
+    local name=$1 ctest_args=()
+    shift
+    local cmake_args=()
+    while [ $# -gt 0 ] && [ "$1" != -- ]; do cmake_args+=("$1"); shift; done
+    [ $# -gt 0 ] && shift && ctest_args=("$@")
+    cmake -S . -B "build/$name" -DDSP_WERROR=ON "${cmake_args[@]}" >/dev/null
+    cmake --build "build/$name" -j"$jobs"
+    ctest --test-dir "build/$name" --output-on-failure -j"$jobs" "${ctest_args[@]}"
+}
 
-echo "== AddressSanitizer + UndefinedBehaviorSanitizer build"
-export ASAN_OPTIONS=halt_on_error=1:abort_on_error=1:detect_leaks=1:strict_string_checks=1
-export UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
-cmake -S . -B build/sanitize -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDSP_WERROR=ON -DDSP_SANITIZE=ON >/dev/null
-cmake --build build/sanitize -j"$jobs"
-ctest --test-dir build/sanitize --output-on-failure -j"$jobs"
+# A cross build of the library and the suite; the toolchain file names the
+# emulator the tests run under. A processor variant is one more line below,
+# e.g. -DDSP_TARGET_FLAGS="-mcpu=cortex-a8" -DDSP_QEMU_CPU=cortex-a8.
+cross() {
+    local name=$1 toolchain=$2
+    shift 2
+    run "$name" -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DCMAKE_BUILD_TYPE=Release "$@" -- --timeout 1200
+}
+
+for build in "${builds[@]}"; do
+    echo "== $build"
+    case $build in
+    release) run release -DCMAKE_BUILD_TYPE=Release -DDSP_BUILD_BENCH=ON ;;
+    sanitize)
+        export ASAN_OPTIONS=halt_on_error=1:abort_on_error=1:detect_leaks=1:strict_string_checks=1
+        export UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
+        run sanitize -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDSP_SANITIZE=ON ;;
+    arm32) cross arm32 cmake/arm-linux-gnueabihf.cmake ;;
+    arm64) cross arm64 cmake/aarch64-linux-gnu.cmake ;;
+    mingw) cross mingw cmake/x86_64-w64-mingw32.cmake ;;
+    *) echo "unknown build: $build" >&2; exit 2 ;;
+    esac
+done
