@@ -627,6 +627,175 @@ DSP_API int dspfbs_dot(const dspf_signal *a, const dspf_signal *b, dspf_signal *
 DSP_API int dspbs_dot(const dsp_signal *a, const dsp_signal *b, dsp_signal *r);
 
 /* ------------------------------------------------------------------------
+ * Correlation
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Cross-correlation through the FFT: r[k] = sum_i x[i+k] conj(y[i]) for the
+ * lags k = 0 .. lags-1, the linear correlation (x counts as zero beyond its
+ * end; equal to numpy.correlate(x, y, "full") at index n-1+k). x and y need
+ * the same n, and 1 <= lags <= n (else -1, r untouched). Both are zero-padded
+ * to the power of two of at least n + lags - 1 points, so that no lag
+ * receives wrap-around. r (which may be x or y) gets `lags` points, complex
+ * if either input is, delta the mean of the inputs' deltas. `scratch` is a
+ * working record the caller keeps between calls so that repeated calls
+ * allocate nothing; null, or one sharing storage with x, y or r, makes the
+ * call use a temporary record. A nonzero `option` halves the result.
+ */
+DSP_API int dspfh_corr(const dspf_signal *x, const dspf_signal *y, dspf_signal *r,
+                       dspf_signal *scratch, int lags, int option);
+DSP_API int dsph_corr(const dsp_signal *x, const dsp_signal *y, dsp_signal *r,
+                      dsp_signal *scratch, int lags, int option);
+/* dspfh_corr with option 0. */
+DSP_API int dspfb_corr(const dspf_signal *x, const dspf_signal *y, dspf_signal *r,
+                       dspf_signal *scratch, int lags);
+DSP_API int dspb_corr(const dsp_signal *x, const dsp_signal *y, dsp_signal *r, dsp_signal *scratch,
+                      int lags);
+
+/* ------------------------------------------------------------------------
+ * Signal generators
+ * ------------------------------------------------------------------------ */
+
+/*
+ * The caller sets n, cplx and delta; the generator sizes the storage and
+ * writes the n points (delta, n and cplx are kept). Frequencies are in
+ * cycles per unit of delta. A rotation oscillator advances the phase and is
+ * re-anchored at the exact phase every 256 points (the single family reduces
+ * that phase modulo 2 pi in double). -1 only when the storage cannot be had.
+ */
+/* cos(phase + 2 pi freq delta k); a complex record gets zero imaginary parts. */
+DSP_API int dspfc_cos(dspf_signal *x, float freq, float phase);
+DSP_API int dspc_cos(dsp_signal *x, double freq, double phase);
+/* exp(i (phase + 2 pi freq delta k)) on a complex record; on a real record
+ * the same as dspfc_cos. */
+DSP_API int dspfc_cexp(dspf_signal *x, float freq, float phase);
+DSP_API int dspc_cexp(dsp_signal *x, double freq, double phase);
+/* start + k slope delta, accumulated by repeated addition of slope delta;
+ * zero imaginary parts on a complex record. */
+DSP_API int dspfc_line(dspf_signal *x, float slope, float start);
+DSP_API int dspc_line(dsp_signal *x, double slope, double start);
+
+/* ------------------------------------------------------------------------
+ * FIR design
+ * ------------------------------------------------------------------------ */
+
+/*
+ * h receives the n = h->n coefficients of a linear-phase design in closed
+ * form (no window), frequencies in cycles per sample. kind: 0 band-pass
+ * (a centre, b bandwidth), 1 band-stop (a, b; odd n), 2 high-pass (a
+ * cut-off; odd n), 3 low-pass (a cut-off), 4 sinh smoothing kernel (a shape,
+ * 0 for the default of the length), 5 low-pass delayed by b samples, 6
+ * differentiator, 7 Gaussian (a bandwidth), 8 band-limited quadrature
+ * filter, 9 Kaiser-transform smoothing kernel (a shape, 0 for the default),
+ * 10 |f|-weighted low-pass. Kinds 4 (except the tabled n = 5, 7, 9), 5, 7
+ * and 9 are scaled to unit sum; 6 and 8 are antisymmetric. A complex h gets
+ * zero imaginary parts. -1 for storage failure, a kind outside 0..10 or an
+ * even n for kinds 1 and 2; h is then left real.
+ */
+DSP_API int dspfc_fir(dspf_signal *h, int kind, float a, float b);
+DSP_API int dspc_fir(dsp_signal *h, int kind, double a, double b);
+/* h becomes a stored coefficient set: code 100 (12 points), 101 (20), 102
+ * (5); -1 for any other code, h untouched. */
+DSP_API int dspfc_fir2(dspf_signal *h, int code);
+DSP_API int dspc_fir2(dsp_signal *h, int code);
+
+/* ------------------------------------------------------------------------
+ * Resampling kernels
+ * ------------------------------------------------------------------------ */
+
+/*
+ * A kernel record of N points (N set by the caller, even) holds its width
+ * at point 0 and v(theta) at points N/2 + j and N/2 - j (bit-identical),
+ * theta = j 2 pi / (N - 2), j = 0 .. (N - 2)/2. A description holds the
+ * width at point 0 and the coefficients c1 .. c(K-1) after it. N <= 1 or
+ * K <= 1 gives a zero kernel holding only the width. -1 for storage
+ * failure, odd N or a complex description. Note the argument order: the
+ * kernel (result) comes first.
+ */
+/* v(theta) = c1 + sum over i >= 2 of c_i cos((i - 1) theta). */
+DSP_API int dspfc_rsmp_cos(dspf_signal *kernel, const dspf_signal *desc);
+DSP_API int dspc_rsmp_cos(dsp_signal *kernel, const dsp_signal *desc);
+/* v(theta) = sum over i >= 1 of c_i cos(theta)^(i - 1). */
+DSP_API int dspfc_rsmp_pcos(dspf_signal *kernel, const dspf_signal *desc);
+DSP_API int dspc_rsmp_pcos(dsp_signal *kernel, const dsp_signal *desc);
+/* One of the stored kernels, mode 0 .. 4 (widths 8, 13, 8, 10, 13; modes 0
+ * and 1 polynomial, 2 to 4 cosine series); -1 for other modes. */
+DSP_API int dspfc_rsmp(dspf_signal *kernel, int mode);
+DSP_API int dspc_rsmp(dsp_signal *kernel, int mode);
+
+/* ------------------------------------------------------------------------
+ * FIR filtering
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Causal FIR filter over a block: y[k] = sum_{j<m} h[j] x[k-j] for the n
+ * points of x, where x[-1], x[-2], ... are the last points of `history`.
+ * The history (optional) holds the m-1 samples before the block, oldest
+ * first; it is converted to x's kind and zero-padded (a fresh record means
+ * zeros before the block), and afterwards holds the m-1 samples before the
+ * next block, so a signal filtered block by block gives the samples of one
+ * call on the whole (to rounding). Null: zeros before every block, nothing
+ * kept. y has n points, complex when x or h is, delta of x; y may be x.
+ * An empty filter (m <= 0) copies x. -1 when the filter or the history
+ * shares storage with y, or the history with x.
+ *
+ * Direct convolution for a complex filter, a block shorter than m-1 points,
+ * or m < 46 (real x) / m < 36 (complex x); otherwise through the FFT over
+ * L points, L the power of two of at least n+m-1 when m^2 > 9 n log2 n,
+ * else of at least n. The filter's spectrum is cached per precision under a
+ * key shared by real and complex blocks: a filter within |h[0]| * 5.96e-7 of
+ * the key is not transformed again. Hence a real block followed by a complex
+ * one with the same filter uses whatever complex spectrum is held (an
+ * earlier filter's, or none: -1), and a block needing another L than the
+ * cached spectrum's gives -1. A new filter (or dspf_free_internal) clears
+ * this.
+ */
+DSP_API int dspfd_fir(const dspf_signal *x, dspf_signal *y, const dspf_signal *h,
+                      dspf_signal *history);
+DSP_API int dspd_fir(const dsp_signal *x, dsp_signal *y, const dsp_signal *h, dsp_signal *history);
+/* dspfd_fir with the linear-phase filter of 2k-1 (odd != 0) or 2k taps whose
+ * first k coefficients are `half` (index k-1 is the centre tap when odd),
+ * mirrored to the rest and negated there when antisym != 0. A real filter of
+ * at most 60 taps over a block of at least m-1 points runs directly, adding
+ * (antisym: subtracting) the two samples of each coefficient pair before one
+ * multiplication; anything else builds the full filter and calls dspfd_fir. */
+DSP_API int dspfd_sfir(const dspf_signal *x, dspf_signal *y, const dspf_signal *half, int odd,
+                       int antisym, dspf_signal *history);
+DSP_API int dspd_sfir(const dsp_signal *x, dsp_signal *y, const dsp_signal *half, int odd,
+                      int antisym, dsp_signal *history);
+
+/* ------------------------------------------------------------------------
+ * Decimation and half-band filter
+ * ------------------------------------------------------------------------ */
+
+/* Keeps every factor-th point (factor < 1 counts as 1), starting at the index
+ * in `phase` (optional one-point record, read rounded, negative as 0), which
+ * afterwards holds the index of the next kept point within the next block:
+ * n points from offset o give ceil((n - o) / factor) points (none when o >= n,
+ * the phase then dropping by n). y's delta is x's times the factor; y may be
+ * x. -1 when the phase record shares storage with x or y. */
+DSP_API int dspfd_deci(const dspf_signal *x, dspf_signal *y, int factor, dspf_signal *phase);
+DSP_API int dspd_deci(const dsp_signal *x, dsp_signal *y, int factor, dsp_signal *phase);
+/* Low-pass before a decimation by two: four cascaded stages
+ * H(z) = (0.25 + 0.5 z^-1 + 0.5 z^-2 + 0.25 z^-3) / (1 + 0.5 z^-2) (unit gain
+ * at 0, zeros at the Nyquist frequency and at a third of the rate), computed
+ * in double precision and rounded to the record's precision after each
+ * stage's internal value and output. `state` keeps the three delays of each
+ * stage (12 points, of x's kind; padded with zeros when shorter); null uses
+ * the library's internal state record, which carries the delays from call to
+ * call (shared by every such caller). `reserved` must be null, else -1 and
+ * nothing is touched. y may be x. */
+DSP_API int dspfd_hwfilt(const dspf_signal *x, dspf_signal *y, const void *reserved,
+                         dspf_signal *state);
+DSP_API int dspd_hwfilt(const dsp_signal *x, dsp_signal *y, const void *reserved,
+                        dsp_signal *state);
+/* dspfd_hwfilt(x, x, state, NULL): the state argument lands in the reserved
+ * position, so a non-null state gives -1 (x unchanged) and a null one filters
+ * with the internal state record. */
+DSP_API int dspfi_hwfilt(dspf_signal *x, dspf_signal *state);
+DSP_API int dspi_hwfilt(dsp_signal *x, dsp_signal *state);
+
+/* ------------------------------------------------------------------------
  * Descriptive statistics
  * ------------------------------------------------------------------------ */
 
@@ -705,6 +874,166 @@ DSP_API int dsps_hist(const dsp_signal *in, dsp_signal *out, double low, double 
  */
 DSP_API int dspfs_peak(const dspf_signal *in, dspf_signal *out, int flags, int index);
 DSP_API int dsps_peak(const dsp_signal *in, dsp_signal *out, int flags, int index);
+
+/* ------------------------------------------------------------------------
+ * Trace kernels
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Raw arrays and counts instead of records: complex arrays hold interleaved
+ * re, im pairs, ranges are half-open [start, end). No status unless stated;
+ * the arguments are trusted (no null or range checks beyond those stated).
+ */
+/* x[i] *= k for i in [0, n); nothing for n < 1. */
+DSP_API void vfpsbMul1(float k, float *x, int n);
+DSP_API void vfpdbMul1(double k, double *x, int n);
+/* The same result; the first n mod 16 values one by one, the rest 16 at a
+ * time, in the VFP short-vector mode on ARM cores that have it (the LEN
+ * field of FPSCR is 0 afterwards). */
+DSP_API void vfpsbMul2(float k, float *x, int n);
+DSP_API void vfpdbMul2(double k, double *x, int n);
+/* dst[i] = ilo + k (src[i] - lo), k = (ihi - ilo) / (hi - lo), in the
+ * working precision, truncated toward zero to an int (beyond the int range
+ * the nearest int, NaN 0). */
+DSP_API void vfpsb_ScaleToInt(const float *src, int n, float lo, float hi, int *dst, int ilo,
+                              int ihi);
+DSP_API void vfpdb_ScaleToInt(const double *src, int n, double lo, double hi, int *dst, int ilo,
+                              int ihi);
+/* dst[i] = ilo + k (src[i] - lo) as for vfpsb_ScaleToInt, rounded to the
+ * nearest int (ties to even, whatever the rounding mode; numpy.rint) and
+ * clamped to [min(ilo, ihi), max(ilo, ihi)]; NaN gives ilo. Returns 0, or
+ * -1 with nothing written when lo or hi is not finite or k is not (lo = hi,
+ * or a range so narrow that k overflows). */
+DSP_API int vfpsb_ScaleToInt2(const float *src, int n, float lo, float hi, int *dst, int ilo,
+                              int ihi);
+DSP_API int vfpdb_ScaleToInt2(const double *src, int n, double lo, double hi, int *dst, int ilo,
+                              int ihi);
+/* dst[i] = olo + k (src[i] - lo), k = (ohi - olo) / (hi - lo); dst may be src. */
+DSP_API void vfpsb_ScaleToFP(const float *src, int n, float lo, float hi, float *dst, float olo,
+                             float ohi);
+DSP_API void vfpdb_ScaleToFP(const double *src, int n, double lo, double hi, double *dst,
+                             double olo, double ohi);
+/* Index of the largest value in [start, end), the first of equal ones;
+ * start when start + 1 >= end. */
+DSP_API int vfps_FindMax(const float *x, int start, int end);
+DSP_API int vfpd_FindMax(const double *x, int start, int end);
+/* Index of the smallest of x[start+1] .. x[end-1], starting from the
+ * largest finite value with index start: x[start] itself never wins unless
+ * every later value is at least that large. start when start + 1 >= end. */
+DSP_API int vfps_FindMin(const float *x, int start, int end);
+DSP_API int vfpd_FindMin(const double *x, int start, int end);
+/* Index of the largest / smallest value in [start, end) outside
+ * [skip_start, skip_end), the first of equal ones; -1 when start lies in the
+ * skipped range and skip_end >= end. */
+DSP_API int vfps_FindMax2(const float *x, int start, int end, int skip_start, int skip_end);
+DSP_API int vfpd_FindMax2(const double *x, int start, int end, int skip_start, int skip_end);
+DSP_API int vfps_FindMin2(const float *x, int start, int end, int skip_start, int skip_end);
+DSP_API int vfpd_FindMin2(const double *x, int start, int end, int skip_start, int skip_end);
+/* x[0] = a, x[n-1] = b, x[i] = a + i (b - a) / (n - 1) between; nothing
+ * for n < 1. */
+DSP_API void vfps_ExpandLinear(float *x, int n, float a, float b);
+DSP_API void vfpd_ExpandLinear(double *x, int n, double a, double b);
+/* x[0] = a, x[n-1] = b, x[i] = 10^(la + i (lb - la) / (n - 1)) between,
+ * la = log10 a, lb = log10 b in double; nothing for n <= 0, a <= 0 or b <= 0. */
+DSP_API void vfps_ExpandLog(float *x, int n, float a, float b);
+DSP_API void vfpd_ExpandLog(double *x, int n, double a, double b);
+/* Moving average of odd width over the outputs [first, end) of an array of
+ * n values; the window shrinks symmetrically near the ends of the array and
+ * the walk stops where it would reach past end - 1. phase != 0: radians,
+ * each window unwrapped and its mean brought into [-pi, pi]. Returns the
+ * number of outputs written (0 for first = end), or -1 for a bad range
+ * (also end > n) or a width below 3 or even. out may be in. */
+DSP_API int vfps_Smooth(const float *in, float *out, int n, int first, int end, int width,
+                        int phase);
+DSP_API int vfpd_Smooth(const double *in, double *out, int n, int first, int end, int width,
+                        int phase);
+/* The same on n complex points: mean magnitude A and mean phase P (not
+ * unwrapped) of each window give (A cos P, A sin P). */
+DSP_API int vfps_SmoothCpx(const float *in, float *out, int n, int first, int end, int width);
+DSP_API int vfpd_SmoothCpx(const double *in, double *out, int n, int first, int end, int width);
+/* out[i] = phase of complex point i for i in [start, end), moved by one
+ * 2 pi step wherever it jumps by more than pi from out[i-1]; for start >= 2
+ * the wrap count continues from out[0] .. out[start-1]. out may be in. */
+DSP_API void vfps_UnwrapPhase(const float *in, int start, int end, float *out);
+DSP_API void vfpd_UnwrapPhase(const double *in, int start, int end, double *out);
+/* out[i] for complex point i in [start, end), q = re^2 + im^2: format 0
+ * 10 log10 q, 1 sqrt q, 2 phase in degrees, 3 standing-wave ratio
+ * (1 + r) / (1 - r) with r = sqrt q (1e6 for r > 0.999998), 4 return loss
+ * -10 log10 q; other formats write nothing. out may be in. */
+DSP_API void vfps_FormatBuffer(int format, const float *in, float *out, int start, int end);
+DSP_API void vfpd_FormatBuffer(int format, const double *in, double *out, int start, int end);
+
+/* ------------------------------------------------------------------------
+ * Floating-point control
+ * ------------------------------------------------------------------------ */
+
+/*
+ * The calling thread's floating-point status and control word in the ARM
+ * FPSCR layout: bit 24 FZ (flush-to-zero), bit 25 DN (default NaN), bits
+ * 22-23 rounding mode, exception flags and trap enables. On 32-bit ARM it
+ * is the FPSCR itself; other processors map it onto their own control
+ * registers (see the README).
+ */
+DSP_API uint32_t get_fpscr(void);
+/* Writes the whole word; returns the value it held before. */
+DSP_API uint32_t set_fpscr(uint32_t value);
+/* on != 0 sets FZ and DN, 0 clears them; no other bit changes. Returns the
+ * new value. */
+DSP_API uint32_t set_runfast(int on);
+
+/* ------------------------------------------------------------------------
+ * Calibration and circle fit
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Complex values are interleaved (re, im) doubles (floats for
+ * vfps_CircleFit); matrices are row-major.
+ */
+/* c = a b for a of rows x inner and b of inner x cols elements. Returns
+ * rows * cols, or -1 when inner > rows (inner * inner > rows * inner: such
+ * products are refused), for a negative size or when memory runs out.
+ * c may be a or b. */
+DSP_API int MatrixMult(const double *a, const double *b, double *c, int rows, int inner,
+                       int cols);
+/* m (n x n) replaced by its inverse (Gauss-Jordan, partial pivoting):
+ * 1, or 0 with m unchanged when a pivot's modulus is below
+ * 2.220446049250313e-12 (singular), n < 0 or memory runs out. */
+DSP_API int invert(double *m, int n);
+/* One-port error terms at the points [first, end). m1, m2, m3 hold the
+ * measured reflections of three standards whose actual reflections are
+ * g1, g2, g3, and receive the directivity e00, the source match e11 and the
+ * reflection tracking e01 e10 of the model M = e00 + e01 e10 G / (1 - e11 G).
+ * Singular standards are not reported. Returns 0, or -1 with the arrays
+ * untouched when memory runs out. */
+DSP_API int Compute1PortTerms(double *m1, double *m2, double *m3, const double *g1,
+                              const double *g2, const double *g3, int first, int end);
+/* centre[i] = centre of the circle through a[i], b[i], c[i], d[i] for i in
+ * [first, end): the perpendicular bisectors of the two chords closest to
+ * perpendicular are intersected through their slopes (chords parallel to an
+ * axis give infinities or NaN); chords less than 10 degrees apart give d[i]. */
+DSP_API void vfps_CircleFit(const float *a, const float *b, const float *c, const float *d,
+                            float *centre, int first, int end);
+DSP_API void vfpd_CircleFit(const double *a, const double *b, const double *c, const double *d,
+                            double *centre, int first, int end);
+
+/*
+ * Complex reflections `refl` (n points) at the strictly increasing
+ * frequencies `freq` interpolated at the m frequencies `at` (any order,
+ * within [freq[0], freq[n-1]]) into `result` (m points). At a data
+ * frequency the result is that point. Between freq[k] and freq[k+1], with
+ * t = (x - freq[k]) / (freq[k+1] - freq[k]), it lies on the circle through
+ * the three points from j = min(max(k - 1, 0), n - 3) (the interval's ends
+ * and the point before it; after it for the first interval): refl[k]
+ * rotated about the centre by t times the angle from refl[k] to refl[k+1],
+ * taken in the sense in which the three points run round the circle.
+ * Linear, refl[k] + t (refl[k+1] - refl[k]), for n = 2 or collinear points
+ * (|cross(q1 - q0, q2 - q0)| <= 1e-12 |q1 - q0| |q2 - q0|). Returns 0, or
+ * -1 with result untouched for n < 1, m < 0, frequencies not strictly
+ * increasing, a query outside the range or NaN, or no memory for the
+ * scratch copy taken when result overlaps an input (which it may).
+ */
+DSP_API int CircularInterpolation(const double *freq, const double *refl, int n, const double *at,
+                                  double *result, int m);
 
 #ifdef __cplusplus
 }

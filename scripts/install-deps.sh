@@ -4,7 +4,7 @@
 # they are all present.
 set -euo pipefail
 packages=(cmake g++ make pkg-config libgtest-dev libbenchmark-dev
-          python3-numpy python3-scipy libfftw3-dev libkissfft-dev
+          python3-numpy python3-scipy libfftw3-dev libkissfft-dev libliquid-dev
           # cross builds: ARM under qemu-user, Windows under Wine; GoogleTest
           # sources to build it with each cross compiler
           googletest g++-arm-linux-gnueabihf g++-aarch64-linux-gnu qemu-user

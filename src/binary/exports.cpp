@@ -1,5 +1,6 @@
 // C exports of the binary operations.
 #include "binary/binary.hpp"
+#include "binary/corr.hpp"
 #include "binary/dot.hpp"
 #include "dsp.h"
 
@@ -75,6 +76,25 @@ int dspfbs_dot(const dspf_signal *a, const dspf_signal *b, dspf_signal *r) {
 }
 int dspbs_dot(const dsp_signal *a, const dsp_signal *b, dsp_signal *r) {
     return dot<double>(*a, *b, *r);
+}
+
+// Correlation.
+
+int dspfh_corr(const dspf_signal *x, const dspf_signal *y, dspf_signal *r, dspf_signal *scratch,
+               int lags, int option) {
+    return corr<float>(*x, *y, *r, scratch, lags, option);
+}
+int dsph_corr(const dsp_signal *x, const dsp_signal *y, dsp_signal *r, dsp_signal *scratch,
+              int lags, int option) {
+    return corr<double>(*x, *y, *r, scratch, lags, option);
+}
+int dspfb_corr(const dspf_signal *x, const dspf_signal *y, dspf_signal *r, dspf_signal *scratch,
+               int lags) {
+    return corr<float>(*x, *y, *r, scratch, lags, 0);
+}
+int dspb_corr(const dsp_signal *x, const dsp_signal *y, dsp_signal *r, dsp_signal *scratch,
+              int lags) {
+    return corr<double>(*x, *y, *r, scratch, lags, 0);
 }
 
 }  // extern "C"

@@ -22,8 +22,8 @@ int free_internal() {
     // The fixed release order. A module plugs its step in here, in its slot;
     // an empty slot is a module that keeps no state yet.
     const step steps[8] = {
-        nullptr,                    // 1 FIR filtering: three work records
-        nullptr,                    // 2 symmetric FIR filtering: work record
+        release_fir_scratch<T>,     // 1 FIR filtering: transform cache and work record
+        release_sfir_scratch<T>,    // 2 symmetric FIR filtering: expanded filter
         release_bitrev_tables<T>,   // 3 bit-reversal index tables
         release_dct_cache<T>,       // 4 DCT: work record and rotation table
         release_dft_scratch<T>,     // 5 DFT: chirp and kernel records

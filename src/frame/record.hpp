@@ -21,6 +21,13 @@ inline int64_t owned(const signal_t<T> &x) {
     return x.alloc > 0 ? x.alloc : 0;
 }
 
+// True when a and b are the same record or a's samples start where b's do
+// (a null a shares nothing).
+template <class T>
+inline bool same_storage(const signal_t<T> *a, const signal_t<T> *b) {
+    return a && (a == b || (a->data && a->data == b->data));
+}
+
 // Process-wide allocator hooks of one precision (null: the system allocator).
 template <class T>
 struct hooks {

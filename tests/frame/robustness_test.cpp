@@ -36,6 +36,12 @@ TYPED_TEST(Robustness, AwkwardShapes) {
         [](S *x) { return DSP(b_pmul)(x, x, x) | DSP(b_div)(x, x, x) | DSP(u_sqrt)(x, x); },
         [](S *x) { return DSP(u_subvec)(x, x, 1, 100) | DSP(_append)(x, x); },
         [](S *x) {
+            Rec<T> h(std::vector<T>(5, T(0.5))), hist, ph;
+            return DSP(d_fir)(x, x, &h, &hist) | DSP(d_sfir)(x, x, &h, 1, 1, &hist) |
+                   DSP(d_deci)(x, x, 3, &ph) | DSP(i_hwfilt)(x, nullptr) |
+                   DSP(h_corr)(x, x, x, x, 2, 1);
+        },
+        [](S *x) {
             Rec<T> r;
             return DSP(s_median)(x, &r) | DSP(s_skew)(x, &r) | DSP(s_gmean)(x, &r) |
                    DSP(s_hist)(x, &r, -1, T(0.5), 5) | DSP(s_peak)(x, &r, 0x300, 0) |

@@ -8,15 +8,6 @@ using namespace dsp_test;
 
 namespace {
 
-template <class T>
-std::vector<T> random_values(unsigned seed, size_t count, double lo = -3, double hi = 5) {
-    std::mt19937 gen(seed);
-    std::uniform_real_distribution<double> d(lo, hi);
-    std::vector<T> v(count);
-    for (auto &x : v) x = T(d(gen));
-    return v;
-}
-
 // A record wrapping points of v from scalar `first` (not owned by the record).
 template <class T>
 sig<T> wrap_at(std::vector<T> &v, size_t first, size_t points, bool cplx = false) {
@@ -68,7 +59,7 @@ TYPED_TEST(Stats, BlockAccumulation) {
     using T = TypeParam;
     for (bool cplx : {false, true}) {
         const size_t n = 2048 * 3 + 77, width = cplx ? 2 : 1;
-        auto v = random_values<T>(11, n * width, -1e3, 1e4);
+        auto v = uniform<T>(n * width, 11, -1e3, 1e4);
         sig<T> all = wrap_at(v, 0, n, cplx);
         Rec<T> r, part;
         ASSERT_EQ(DSP(s_sum)(&all, &r), 0);
@@ -145,8 +136,8 @@ TEST(StatsSingle, VarianceAndSkewFromTheGuardConstants) {
     const float L = 999999986991104.0f, L2 = 9.99999944e29f;
     for (int n : {1, 2, 5, 100, 2049}) {
         SCOPED_TRACE(n);
-        auto a = random_values<float>(1, size_t(n));
-        auto b = random_values<float>(2, size_t(n), 100, 200);
+        auto a = uniform<float>(size_t(n), 1, -3, 5);
+        auto b = uniform<float>(size_t(n), 2, 100, 200);
         std::vector<float> l1(size_t(n), L), l2(size_t(n), L2);
         sig<float> x = wrap_at(a, 0, size_t(n)), y = wrap_at(b, 0, size_t(n));
         sig<float> c1 = wrap_at(l1, 0, size_t(n)), c2 = wrap_at(l2, 0, size_t(n));
@@ -202,7 +193,7 @@ TEST(StatsDouble, MomentsMedianAndHistogramAgreeWithScipy) {
     const std::vector<size_t> sizes = {2, 7, 2048, 2049, 5000};
     std::vector<double> all;
     for (size_t n : sizes) {
-        auto v = random_values<double>(unsigned(n) + 5, n, 0.6, 1.6);
+        auto v = uniform<double>(n, unsigned(n) + 5, 0.6, 1.6);
         all.insert(all.end(), v.begin(), v.end());
     }
     DSP_NEED_PYTHON();

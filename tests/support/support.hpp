@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <initializer_list>
+#include <random>
 #include <type_traits>
 #include <vector>
 
@@ -39,6 +41,10 @@ constexpr auto pick(F f, D d) {
 // The C export of the precision TypeParam: DSP(i_real) is dspfi_real in the
 // single family and dspi_real in the double family.
 #define DSP(x) (::dsp_test::pick<TypeParam>(dspf##x, dsp##x))
+// The raw-array kernels likewise: VFP(_FindMax) is vfps_FindMax or
+// vfpd_FindMax, VFPB(Mul1) vfpsbMul1 or vfpdbMul1.
+#define VFP(x) (::dsp_test::pick<TypeParam>(vfps##x, vfpd##x))
+#define VFPB(x) (::dsp_test::pick<TypeParam>(vfpsb##x, vfpdb##x))
 
 // A record the test owns; destroyed through the library at scope exit.
 template <class T>
@@ -116,6 +122,46 @@ std::vector<T> applied(const std::vector<T> &v, bool cplx, F f, T delta = T(1), 
     r.set(v, cplx, delta);
     EXPECT_EQ(f(r.get()), rc);
     return r.values();
+}
+
+// count values drawn uniformly from [lo, hi) with a fixed seed.
+template <class T = double>
+std::vector<T> uniform(size_t count, unsigned seed, double lo = -1, double hi = 1) {
+    std::mt19937 gen(seed);
+    std::uniform_real_distribution<double> u(lo, hi);
+    std::vector<T> v(count);
+    for (T &x : v) x = T(u(gen));
+    return v;
+}
+
+// The points of scalars v (complex when cplx) in long double.
+template <class T>
+std::vector<std::complex<long double>> as_points(const std::vector<T> &v, bool cplx) {
+    std::vector<std::complex<long double>> p(cplx ? v.size() / 2 : v.size());
+    for (size_t i = 0; i < p.size(); ++i)
+        p[i] = cplx ? std::complex<long double>(v[2 * i], v[2 * i + 1]) : v[i];
+    return p;
+}
+
+// The scalars x (complex points when cplx) in blocks of the sizes given
+// (taken in turn; 0 allowed), each run through op(block, result), the result
+// being one record kept across blocks or, for odd-numbered blocks, the block
+// itself (in place); the results' scalars one after the other.
+template <class T, class Op>
+std::vector<T> blockwise(const std::vector<T> &x, bool cplx, std::vector<int> sizes, Op op) {
+    const size_t c = cplx ? 2 : 1, n = x.size() / c;
+    Rec<T> y;
+    std::vector<T> out;
+    for (size_t at = 0, b = 0; at < n; ++b) {
+        const size_t len = std::min(size_t(sizes[b % sizes.size()]), n - at);
+        Rec<T> xb(std::vector<T>(x.begin() + c * at, x.begin() + c * (at + len)), cplx);
+        Rec<T> &r = b % 2 ? xb : y;
+        EXPECT_EQ(op(xb.get(), r.get()), 0) << "block " << b << " at " << at;
+        const auto v = r.values();
+        out.insert(out.end(), v.begin(), v.end());
+        at += len;
+    }
+    return out;
 }
 
 // Relative tolerance suited to the precision: a few units in the last place.
