@@ -29,8 +29,17 @@ const Expected layout[] = {
     DSP_FIELD(dsp_signal, delta, 0, 0),    DSP_FIELD(dsp_signal, data, 8, 8),
     DSP_FIELD(dsp_signal, alloc, 12, 16),  DSP_FIELD(dsp_signal, n, 16, 20),
     DSP_FIELD(dsp_signal, cplx, 20, 24),   DSP_FIELD(dsp_signal, reserved, 24, 28),
-    // The resampler records (dspfh_rsmp_coef, dspfh_rsmp_state and their
-    // double twins) add their rows here, as documented beside them in dsp.h.
+    // ---- Resampler records: dspfh_rsmp_coef, dspfh_rsmp_state and the
+    // double twins dsph_rsmp_coef, dsph_rsmp_state. Rows to add here with
+    // their declarations, every field through DSP_FIELD, and the table
+    // copied beside the records in dsp.h. Laid out in their documented field
+    // order with int flags and counts, they come to (size, align; 32-bit
+    // ARM, then 64-bit):
+    //   dspfh_rsmp_coef   104, 4   136, 8   ratio (float) at 84 / 116
+    //   dsph_rsmp_coef    144, 8   144, 8   ratio (double) at 120 / 120
+    //   dspfh_rsmp_state  116, 4   168, 8   output skip at 112 / 160
+    //   dsph_rsmp_state   152, 8   168, 8   output skip at 144 / 160
+    // ----
 };
 // clang-format on
 
