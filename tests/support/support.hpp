@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <cstdlib>
 #include <initializer_list>
 #include <random>
 #include <type_traits>
@@ -45,6 +46,11 @@ constexpr auto pick(F f, D d) {
 // vfpd_FindMax, VFPB(Mul1) vfpsbMul1 or vfpdbMul1.
 #define VFP(x) (::dsp_test::pick<TypeParam>(vfps##x, vfpd##x))
 #define VFPB(x) (::dsp_test::pick<TypeParam>(vfpsb##x, vfpdb##x))
+
+// True when the suite runs under an instruction-set emulator (CTest sets
+// DSP_TEST_EMULATED for the qemu runs of the cross builds): long references
+// are then cut down, with a note of what was left out.
+inline bool emulated() { return std::getenv("DSP_TEST_EMULATED") != nullptr; }
 
 // A record the test owns; destroyed through the library at scope exit.
 template <class T>
