@@ -4,6 +4,8 @@
 #   sanitize  build under AddressSanitizer and UndefinedBehaviorSanitizer that
 #             stops at the first finding
 #   arm32     cross build for 32-bit ARM hard-float, suite under qemu-arm
+#   armv6     the same for an ARMv6 core with VFPv2 (arm1176jzf-s), whose
+#             short-vector mode vfpsbMul2 uses
 #   arm64     cross build for 64-bit ARM, suite under qemu-aarch64
 #   mingw     Windows build (dsp.dll, import library, export check), suite
 #             under Wine
@@ -14,7 +16,7 @@ cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 jobs=$(nproc)
 builds=("$@")
-[ ${#builds[@]} -eq 0 ] && builds=(release sanitize arm32 arm64 mingw)
+[ ${#builds[@]} -eq 0 ] && builds=(release sanitize arm32 armv6 arm64 mingw)
 
 # Configures, builds and tests build/NAME with the given cmake arguments;
 # CTest arguments after --.
@@ -31,11 +33,14 @@ run() {
 
 # A cross build of the library and the suite; the toolchain file names the
 # emulator the tests run under. A processor variant is one more line below,
-# e.g. -DDSP_TARGET_FLAGS="-mcpu=cortex-a8" -DDSP_QEMU_CPU=cortex-a8.
+# e.g. -DDSP_TARGET_FLAGS="-mcpu=cortex-a8" -DDSP_QEMU_CPU=cortex-a8;
+# CTest arguments follow a --.
 cross() {
     local name=$1 toolchain=$2
     shift 2
-    run "$name" -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DCMAKE_BUILD_TYPE=Release "$@" -- --timeout 1200
+    local args=("$@")
+    [[ " ${args[*]} " == *" -- "* ]] || args+=(--)
+    run "$name" -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DCMAKE_BUILD_TYPE=Release "${args[@]}" --timeout 1200
 }
 
 for build in "${builds[@]}"; do
@@ -47,6 +52,9 @@ for build in "${builds[@]}"; do
         export UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
         run sanitize -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDSP_SANITIZE=ON ;;
     arm32) cross arm32 cmake/arm-linux-gnueabihf.cmake ;;
+    # The VFP short-vector path (ARMv6, VFPv2); qemu's arm1176 cannot run
+    # Debian's ARMv7 Thumb-2 runtime, Cortex-A8 runs both and has the mode.
+    armv6) cross armv6 cmake/arm-linux-gnueabihf.cmake -DDSP_TARGET_FLAGS="-marm -mcpu=arm1176jzf-s -mfpu=vfp -mfloat-abi=hard" -DDSP_QEMU_CPU=cortex-a8 ;;
     arm64) cross arm64 cmake/aarch64-linux-gnu.cmake ;;
     mingw) cross mingw cmake/x86_64-w64-mingw32.cmake ;;
     *) echo "unknown build: $build" >&2; exit 2 ;;
