@@ -91,6 +91,7 @@ TEST(CircularInterpolation, FollowsCirclesAndFallsBackToLines) {
 }
 
 TEST(CircularInterpolation, MatchesNumpyAndRefusesBadInput) {
+    DSP_NEED_PYTHON();
     // Random reflections (points 5 to 7 collinear) at uneven frequencies,
     // queried at random frequencies and then at the data frequencies; numpy
     // fits each circle by solving for x^2 + y^2 + Dx + Ey + F = 0.
