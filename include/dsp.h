@@ -149,7 +149,9 @@ DSP_API int dsp_destroy(dsp_signal *x);
  * kept when a new block is taken. */
 DSP_API int dspf_alloc(dspf_signal *x);
 DSP_API int dsp_alloc(dsp_signal *x);
-/* Like alloc, but keeps the leading points of the previous shape. */
+/* Like alloc, but keeps the leading points of the previous shape. A failed
+ * growth leaves alloc 0 and data null, releasing the block the record owned
+ * (through the free hook when one is set). */
 DSP_API int dspf_realloc(dspf_signal *x, int prev_n, int prev_cplx);
 DSP_API int dsp_realloc(dsp_signal *x, int prev_n, int prev_cplx);
 /* Appends the points of b to a (a becomes complex if b is). */
@@ -408,7 +410,8 @@ DSP_API int dspi_bitrev_scale(dsp_signal *x);
  * wrapped in a temporary record that does not own the array. Complex data
  * is transformed in the caller's array. Real data must not be passed: the
  * transform widens the temporary record into storage of its own, so the
- * result is not in the caller's array and that storage is never released.
+ * result never reaches the caller's array (that storage is released; the
+ * status is that of the transform).
  */
 DSP_API int cf_dspfi_fft(float *data, int n, int cplx, int inverse);
 DSP_API int cf_dspi_fft(double *data, int n, int cplx, int inverse);
@@ -572,6 +575,41 @@ DSP_API int cf_dsph_fft(const double *in, double *out, int n, int cplx, dsp_wind
  * with length 0 and n a power of two. */
 DSP_API int cf_dspfh_fft_fast_but_dirty(const float *in, float *out, int n, int cplx,
                                         dsp_window kind, int flags, int length);
+/* dspfh_fft for any length through the DFT (powers of two still go through
+ * the FFT): the same arguments, flags and result, except that `length` 0
+ * means n (no padding) and any length of at least n is accepted. */
+DSP_API int dspfh_dft(const dspf_signal *in, dspf_signal *result, dspf_signal *scratch,
+                      dsp_window kind, int flags, int length);
+DSP_API int dsph_dft(const dsp_signal *in, dsp_signal *result, dsp_signal *scratch,
+                     dsp_window kind, int flags, int length);
+/*
+ * Averaged power spectrum (Welch's method) of a long record. Segments of
+ * N = `segment` points (0: N = n) start every N - `overlap` points
+ * (overlap < 0: N / 2 points shared); points after the last whole segment
+ * are not used. Each segment, less its mean with DSP_SPECTRUM_DETREND, is
+ * multiplied by the window of N points (kind, flags bits 0-5; flag 8 is
+ * refused; mode and rotation do not change the result) and transformed by
+ * the DFT. The result is the real record of the mean |DFT_unscaled|^2 of the
+ * segments divided by (sum w)^2 with DSP_SPECTRUM_POWER (a tone of amplitude
+ * A reads A^2/2 in its bin, one-sided), or by fs sum w^2, fs = 1 / delta,
+ * with DSP_SPECTRUM_DENSITY (power per unit of frequency; white noise of
+ * variance s^2 reads s^2 / (fs / 2) one-sided). A real input gives the
+ * one-sided spectrum of N/2 + 1 points (every bin but 0 Hz and the Nyquist
+ * bin of even N doubled), a complex input the two-sided spectrum of N points
+ * (0 Hz at index 0). delta becomes 1 / (delta * N). `scratch` as for
+ * dspfh_fft. -1 for an empty input, N outside 1 .. n, overlap >= N, another
+ * form than power or density, a window whose sum (power) or sum of squares
+ * (density) is 0, or a failing step; invalid arguments leave the result
+ * untouched.
+ */
+enum {
+    DSP_SPECTRUM_DENSITY = 0x300,
+    DSP_SPECTRUM_DETREND = 0x400
+};
+DSP_API int dspfh_avg(const dspf_signal *in, dspf_signal *result, dspf_signal *scratch,
+                      dsp_window kind, int flags, int segment, int overlap);
+DSP_API int dsph_avg(const dsp_signal *in, dsp_signal *result, dsp_signal *scratch,
+                     dsp_window kind, int flags, int segment, int overlap);
 
 /* ------------------------------------------------------------------------
  * Element-wise binary arithmetic
@@ -737,7 +775,9 @@ DSP_API int dspc_rsmp(dsp_signal *kernel, int mode);
  * call on the whole (to rounding). Null: zeros before every block, nothing
  * kept. y has n points, complex when x or h is, delta of x; y may be x.
  * An empty filter (m <= 0) copies x. -1 when the filter or the history
- * shares storage with y, or the history with x.
+ * shares storage with y, or the history with x. A history (or a decimation
+ * phase, a half-band state) whose growth fails is left empty: -1, and the
+ * next block starts from zeros.
  *
  * Direct convolution for a complex filter, a block shorter than m-1 points,
  * or m < 46 (real x) / m < 36 (complex x); otherwise through the FFT over
@@ -794,6 +834,176 @@ DSP_API int dspd_hwfilt(const dsp_signal *x, dsp_signal *y, const void *reserved
  * with the internal state record. */
 DSP_API int dspfi_hwfilt(dspf_signal *x, dspf_signal *state);
 DSP_API int dspi_hwfilt(dsp_signal *x, dsp_signal *state);
+
+/* ------------------------------------------------------------------------
+ * Resampling
+ * ------------------------------------------------------------------------ */
+
+/*
+ * Polyphase resampling by `step` input samples per output (0.5 doubles the
+ * rate) with a kernel record from dspfc_rsmp & co.: point 0 the width W,
+ * then W P + 1 values (P phases per tap, N - 2 = W P); tap t at phase i is
+ * kernel[1 + i + t P]. Each output is sum_t s[idx + t] c_t over a window of
+ * W samples at the read position pos in (-1, 0], phase -pos P: mode 0 takes
+ * the nearest lower phase, mode 1 interpolates linearly between the two
+ * neighbouring phases. The window moves on by whole samples and outputs are
+ * made while it lies within the block, at most y.n on entry (the number
+ * wanted); y.n becomes the number made and y.delta = step x.delta. The
+ * optional history (W + 2 points, converted to x's kind and padded with
+ * zeros) holds the W samples the next window starts with, the carried
+ * position and, as a number, how many of those samples came from the last
+ * block; samples before the block are zeros without it. Blocks run with one
+ * history give the outputs of one call on the whole. A kernel of at most
+ * one point copies x. -1 for a negative or NaN step, a width below 1, a
+ * complex kernel, N - 2 not a multiple of W, a mode other than 0 or 1, a
+ * carried position at or below -1, or the history sharing storage with x,
+ * y or the kernel (or the kernel with y). y may be x.
+ */
+DSP_API int dspfd_rsmp(const dspf_signal *x, dspf_signal *y, int mode, const dspf_signal *kernel,
+                       float step, dspf_signal *history);
+DSP_API int dspd_rsmp(const dsp_signal *x, dsp_signal *y, int mode, const dsp_signal *kernel,
+                      double step, dsp_signal *history);
+/* dspfd_rsmp with stored kernel kernel_mode 0 .. 4 of 8194, 13314, 2050,
+ * 10242 or 13314 points (1024 phases per tap; 256 for kernel 2), built once
+ * per process; -1 for another kernel mode. */
+DSP_API int dspfd_rsmp2(const dspf_signal *x, dspf_signal *y, int mode, int kernel_mode,
+                        float step, dspf_signal *history);
+DSP_API int dspd_rsmp2(const dsp_signal *x, dsp_signal *y, int mode, int kernel_mode, double step,
+                       dsp_signal *history);
+
+/* ------------------------------------------------------------------------
+ * Streaming resampler
+ * ------------------------------------------------------------------------ */
+
+/*
+ * The resampler records' layout (byte offsets; RecordLayout checks them):
+ *
+ *   coef            halfband _odd prefilter _odd kernel mode ratio stages fine
+ *                                               skip_in skip_out  size align
+ *   dspfh  ARM32        0     24     28     52    56     80   84    88    92
+ *                                                   96      100    104    4
+ *          64-bit       0     32     40     72    80    112  116   120   124
+ *                                                  128      132    136    8
+ *   dsph   both         0     32     40     72    80    112  120   128   132
+ *                                                  136      140    144    8
+ *
+ *   state           stages stage_history stage_phase skip_in prefilter_history
+ *                   kernel_history halfband_history phase skip_out  size align
+ *   dspfh  ARM32      0        4           8          12        16
+ *                       40           64          88      112     116    4
+ *          64-bit     0        8          16          24        32
+ *                       64           96         128      160     168    8
+ *   dsph   ARM32      0        4           8          12        16
+ *                       48           80         112      144     152    8
+ *          64-bit     as dspfh_rsmp_state                        168    8
+ */
+/* Constant data of the streaming resampler (fields in this order). */
+typedef struct {
+    dspf_signal halfband;  /* first half of the half-band filter (stored set 101) */
+    int32_t halfband_odd;  /* 1: full length 2 n - 1 (39 taps) */
+    dspf_signal prefilter; /* first half of the pre-filter (stored set 100) */
+    int32_t prefilter_odd; /* 1: full length 2 n - 1 (23 taps) */
+    dspf_signal kernel;    /* stored kernel 4: width 13, 1024 phases per tap */
+    int32_t kernel_mode;   /* 1 once the kernel is made; the dspfd_rsmp mode */
+    float ratio;           /* ratio in use (1.0 after setup) */
+    int32_t stages;        /* half-band and decimation-by-two stages before the fine stage */
+    int32_t fine;          /* fine stage switch */
+    int32_t skip_in;       /* samples dropped after the coarse stages */
+    int32_t skip_out;      /* samples dropped after the fine stage */
+} dspfh_rsmp_coef;
+
+typedef struct {
+    dsp_signal halfband;
+    int32_t halfband_odd;
+    dsp_signal prefilter;
+    int32_t prefilter_odd;
+    dsp_signal kernel;
+    int32_t kernel_mode;
+    double ratio;
+    int32_t stages;
+    int32_t fine;
+    int32_t skip_in;
+    int32_t skip_out;
+} dsph_rsmp_coef;
+
+/* History of the streaming resampler (fields in this order). */
+typedef struct {
+    int32_t stages;                /* coarse stages the arrays below hold */
+    dspf_signal *stage_history;    /* per coarse stage: half-band filter history */
+    dspf_signal *stage_phase;      /* per coarse stage: decimation phase */
+    int32_t skip_in;               /* input-side samples still to drop */
+    dspf_signal prefilter_history; /* fine stage: pre-filter history */
+    dspf_signal kernel_history;    /* fine stage: dspfd_rsmp history */
+    dspf_signal halfband_history;  /* fine stage: half-band filter history */
+    dspf_signal phase;             /* fine stage: decimation phase */
+    int32_t skip_out;              /* output-side samples still to drop */
+} dspfh_rsmp_state;
+
+typedef struct {
+    int32_t stages;
+    dsp_signal *stage_history;
+    dsp_signal *stage_phase;
+    int32_t skip_in;
+    dsp_signal prefilter_history;
+    dsp_signal kernel_history;
+    dsp_signal halfband_history;
+    dsp_signal phase;
+    int32_t skip_out;
+} dsph_rsmp_state;
+
+/*
+ * Calling order: coef_init, coef_alloc, coef_setup; state_init, state_alloc
+ * (optional), state_reset; dspfh_rsmp per block; state_destroy and
+ * coef_destroy. init, destroy and reset accept null records (0, nothing
+ * done).
+ */
+/* Empty records; flags, counts and skips 0. */
+DSP_API int dspfh_rsmp_coef_init(dspfh_rsmp_coef *coef);
+DSP_API int dsph_rsmp_coef_init(dsph_rsmp_coef *coef);
+/* mode must be 0 (else -1, nothing touched): loads the half-band and
+ * pre-filter halves (odd flags 1) and builds the kernel (kernel_mode 1). */
+DSP_API int dspfh_rsmp_coef_alloc(dspfh_rsmp_coef *coef, int mode);
+DSP_API int dsph_rsmp_coef_alloc(dsph_rsmp_coef *coef, int mode);
+/* reserved must be 0 (else -1, nothing touched). The chain always runs at
+ * the ratio 1.0, whatever `ratio` says: no coarse stages, no input skip, and
+ * an output skip of 54 when `fine` is set (0 otherwise). */
+DSP_API int dspfh_rsmp_coef_setup(dspfh_rsmp_coef *coef, float ratio, int fine, int reserved);
+DSP_API int dsph_rsmp_coef_setup(dsph_rsmp_coef *coef, double ratio, int fine, int reserved);
+/* Frees the three records, then as init. */
+DSP_API int dspfh_rsmp_coef_destroy(dspfh_rsmp_coef *coef);
+DSP_API int dsph_rsmp_coef_destroy(dsph_rsmp_coef *coef);
+/* Empty state: no stages, empty records, skips 0. */
+DSP_API int dspfh_rsmp_state_init(dspfh_rsmp_state *state);
+DSP_API int dsph_rsmp_state_init(dsph_rsmp_state *state);
+/* Shapes the state for coef and the input kind (cplx != 0): one history
+ * and one phase record per coarse stage, each history converted to the kind
+ * and padded with zeros to its filter's length - 1 (the kernel history to
+ * W + 2), each phase to one point. -1 for null records or no memory. */
+DSP_API int dspfh_rsmp_state_alloc(const dspfh_rsmp_coef *coef, dspfh_rsmp_state *state,
+                                   int cplx);
+DSP_API int dsph_rsmp_state_alloc(const dsph_rsmp_coef *coef, dsph_rsmp_state *state, int cplx);
+/* Zeros every history and phase; loads the skips from coef. */
+DSP_API int dspfh_rsmp_state_reset(const dspfh_rsmp_coef *coef, dspfh_rsmp_state *state);
+DSP_API int dsph_rsmp_state_reset(const dsph_rsmp_coef *coef, dsph_rsmp_state *state);
+/* Frees every record and both arrays, then as init. */
+DSP_API int dspfh_rsmp_state_destroy(dspfh_rsmp_state *state);
+DSP_API int dsph_rsmp_state_destroy(dsph_rsmp_state *state);
+/*
+ * One block x into y (at most y.n on entry points): each coarse stage
+ * filters with the half-band filter and keeps every second sample, then the
+ * fine stage (when switched on, or at a ratio other than 1) filters with the
+ * pre-filter, resamples with the kernel at step ratio / 2, filters with the
+ * half-band filter and keeps every second sample; the state's skips drop the
+ * first samples of the stream. Neither stage: y is a copy of x. The state
+ * is shaped for x's kind first. A null state runs the block alone (fresh
+ * histories, nothing dropped); a null scratch uses a temporary record.
+ * -1 (or the failing step's status) on failure; -1 for a null coef or a
+ * scratch sharing storage with y. y may be x.
+ */
+DSP_API int dspfh_rsmp(const dspf_signal *x, dspf_signal *y, dspf_signal *scratch,
+                       const dspfh_rsmp_coef *coef, dspfh_rsmp_state *state);
+DSP_API int dsph_rsmp(const dsp_signal *x, dsp_signal *y, dsp_signal *scratch,
+                      const dsph_rsmp_coef *coef, dsph_rsmp_state *state);
 
 /* ------------------------------------------------------------------------
  * Descriptive statistics
@@ -1034,6 +1244,107 @@ DSP_API void vfpd_CircleFit(const double *a, const double *b, const double *c, c
  */
 DSP_API int CircularInterpolation(const double *freq, const double *refl, int n, const double *at,
                                   double *result, int m);
+
+/* ------------------------------------------------------------------------
+ * Regression and polynomials
+ * ------------------------------------------------------------------------ */
+
+/*
+ * A polynomial is a record of coefficients in ascending order: point i is
+ * the coefficient of x^i (as dspfi_pdiffer reads it; numpy.polyfit and
+ * numpy.poly1d list them the other way round). The computations run in
+ * double precision in both families. Results are written only on success
+ * and may be an input record; a statistic's result keeps its delta.
+ */
+/* out = {slope, intercept, r} (real, 3 points): the least-squares line
+ * y = slope x + intercept through the points (k delta, in[k]) and their
+ * correlation coefficient r (0 when in is constant). -1 for complex input,
+ * fewer than two points or delta 0. */
+DSP_API int dspfs_lin_regres(const dspf_signal *in, dspf_signal *out);
+DSP_API int dsps_lin_regres(const dsp_signal *in, dsp_signal *out);
+/* The same through the points (x[k], y[k]); -1 also for complex x, unequal
+ * lengths or all x equal. */
+DSP_API int dspfs_lin_regres2(const dspf_signal *x, const dspf_signal *y, dspf_signal *out);
+DSP_API int dsps_lin_regres2(const dsp_signal *x, const dsp_signal *y, dsp_signal *out);
+/* out (real, degree + 1 points) = the coefficients c minimising
+ * sum |y[k] - sum c[i] x[k]^i|^2, by a QR decomposition of the Vandermonde
+ * matrix with columns scaled to unit norm (never the normal equations).
+ * -1 for complex records, unequal lengths, degree < 0, fewer than
+ * degree + 1 points, or fewer distinct x than degree + 1 (a singular fit). */
+DSP_API int dspfs_psolve(const dspf_signal *x, const dspf_signal *y, dspf_signal *out, int degree);
+DSP_API int dsps_psolve(const dsp_signal *x, const dsp_signal *y, dsp_signal *out, int degree);
+/* As psolve with real or complex x and y; out is always complex. */
+DSP_API int dspfs_pcsolve(const dspf_signal *x, const dspf_signal *y, dspf_signal *out,
+                          int degree);
+DSP_API int dsps_pcsolve(const dsp_signal *x, const dsp_signal *y, dsp_signal *out, int degree);
+/* out[k] = sum coef[i] x[k]^i (Horner) for every point of x: x.n points
+ * with x's delta, complex when coef or x is; no coefficients give zeros. */
+DSP_API int dspfs_peval(const dspf_signal *coef, const dspf_signal *x, dspf_signal *out);
+DSP_API int dsps_peval(const dsp_signal *coef, const dsp_signal *x, dsp_signal *out);
+/* Coefficients in place to the roots: a complex record of as many points as
+ * the degree (the index of the last nonzero coefficient), sorted by real
+ * part, then imaginary part; zero low-order coefficients give roots at 0.
+ * The roots are the eigenvalues of the balanced companion matrix, by a
+ * shifted Hessenberg QR iteration (in real arithmetic for real
+ * coefficients, so complex roots come in exact conjugate pairs). -1, the
+ * record unchanged, when every coefficient is 0 (or there is none), a
+ * coefficient is NaN or infinite, the coefficients' ratios leave the range
+ * (a root would not be finite), or the iteration does not converge. */
+DSP_API int dspfi_proots(dspf_signal *x);
+DSP_API int dspi_proots(dsp_signal *x);
+/* Roots r[0 .. n-1] in place to the n + 1 coefficients of the monic
+ * polynomial (x - r[0]) ... (x - r[n-1]), real for real roots and complex
+ * for complex ones; no roots give the constant 1. */
+DSP_API int dspfi_pztoc(dspf_signal *x);
+DSP_API int dspi_pztoc(dsp_signal *x);
+
+/* ------------------------------------------------------------------------
+ * Interpolation and splines
+ * ------------------------------------------------------------------------ */
+
+/*
+ * A tabulated function has knots x[0] < x[1] < ... < x[n-1] and values
+ * y[k], real or complex (complex values are interpolated part by part).
+ * Modes: DSP_INTERP_LINEAR joins the knots by straight lines and takes the
+ * first or last value outside them; DSP_INTERP_NATURAL and
+ * DSP_INTERP_NOT_A_KNOT are cubic splines (continuous second derivative)
+ * with zero second derivative at both ends, or with a continuous third
+ * derivative at x[1] and x[n-2]; outside the knots the first and last
+ * cubic pieces continue. Two knots give the straight line in every mode,
+ * three knots with not-a-knot ends the parabola through them, one knot its
+ * value everywhere. The knots are worked in double precision in both
+ * families. Results are written only on success and may be an input record.
+ */
+enum {
+    DSP_INTERP_LINEAR = 0,
+    DSP_INTERP_NATURAL = 1,
+    DSP_INTERP_NOT_A_KNOT = 2
+};
+/* out[j] = the function with knots x[k] = k in.delta and values in[k] at
+ * the real positions pos[j] (in the units of delta, from in's first point):
+ * pos.n points of in's kind with pos's delta. -1 for an unknown mode, an
+ * empty in, delta not positive and finite, or complex pos. */
+DSP_API int dspf_interp(const dspf_signal *in, const dspf_signal *pos, dspf_signal *out, int mode);
+DSP_API int dsp_interp(const dsp_signal *in, const dsp_signal *pos, dsp_signal *out, int mode);
+/* The second derivatives of the cubic spline (mode natural or not-a-knot)
+ * at the knots k in.delta: n points of in's kind with in's delta. -1 also
+ * for the linear mode. */
+DSP_API int dspf_cspline(const dspf_signal *in, dspf_signal *out, int mode);
+DSP_API int dsp_cspline(const dsp_signal *in, dsp_signal *out, int mode);
+/* The same for the knots x[k] with values y[k]: n points of y's kind, delta
+ * the mean of x's and y's. -1 also for complex x, unequal lengths or x not
+ * strictly increasing. */
+DSP_API int dspfb_cspline_2d(const dspf_signal *x, const dspf_signal *y, dspf_signal *out,
+                             int mode);
+DSP_API int dspb_cspline_2d(const dsp_signal *x, const dsp_signal *y, dsp_signal *out, int mode);
+/* The function with knots x[k] and values y[k] at the real positions pos[j]:
+ * pos.n points of y's kind with pos's delta. -1 for an unknown mode, an
+ * empty or complex x, unequal lengths, x not strictly increasing, or
+ * complex pos. */
+DSP_API int dspfb_inter(const dspf_signal *x, const dspf_signal *y, const dspf_signal *pos,
+                        dspf_signal *out, int mode);
+DSP_API int dspb_inter(const dsp_signal *x, const dsp_signal *y, const dsp_signal *pos,
+                       dsp_signal *out, int mode);
 
 #ifdef __cplusplus
 }

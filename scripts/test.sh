@@ -3,20 +3,23 @@
 #   release   Release build with warnings as errors
 #   sanitize  build under AddressSanitizer and UndefinedBehaviorSanitizer that
 #             stops at the first finding
+#   fuzz      each libFuzzer harness for DSP_FUZZ_SECONDS (default 10) seconds
 #   arm32     cross build for 32-bit ARM hard-float, suite under qemu-arm
 #   armv6     the same for an ARMv6 core with VFPv2 (arm1176jzf-s), whose
 #             short-vector mode vfpsbMul2 uses
 #   arm64     cross build for 64-bit ARM, suite under qemu-aarch64
 #   mingw     Windows build (dsp.dll, import library, export check), suite
 #             under Wine
-# With build names as arguments, only those run (scripts/test.sh arm32).
+# Without arguments (what CI runs): release, sanitize, fuzz and arm32. "all"
+# runs every build; build names run only those (scripts/test.sh arm32).
 # Build directories under build/ are kept and reused.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 jobs=$(nproc)
 builds=("$@")
-[ ${#builds[@]} -eq 0 ] && builds=(release sanitize arm32 armv6 arm64 mingw)
+[ ${#builds[@]} -eq 0 ] && builds=(release sanitize fuzz arm32)
+[ "${builds[*]}" = all ] && builds=(release sanitize fuzz arm32 armv6 arm64 mingw)
 
 # Configures, builds and tests build/NAME with the given cmake arguments;
 # CTest arguments after --.
@@ -51,6 +54,7 @@ for build in "${builds[@]}"; do
         export ASAN_OPTIONS=halt_on_error=1:abort_on_error=1:detect_leaks=1:strict_string_checks=1
         export UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
         run sanitize -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDSP_SANITIZE=ON ;;
+    fuzz) scripts/fuzz.sh "${DSP_FUZZ_SECONDS:-10}" ;;
     arm32) cross arm32 cmake/arm-linux-gnueabihf.cmake ;;
     # The VFP short-vector path (ARMv6, VFPv2); qemu's arm1176 cannot run
     # Debian's ARMv7 Thumb-2 runtime, Cortex-A8 runs both and has the mode.

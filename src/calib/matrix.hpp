@@ -124,9 +124,13 @@ class matrix {
         std::swap(rep_, result.rep_);
         return *this;
     }
+    // Nothing can throw once the result exists: a returned object that an
+    // exception leaves behind is not destroyed by every compiler (GCC before
+    // 13), which would lose its representation.
     friend matrix operator*(const matrix &left, const matrix &right) {
-        matrix result(left);
-        result *= right;
+        check_product(left, right);
+        matrix result(left.rows(), right.cols());
+        multiply(left, right, result);
         return result;
     }
 

@@ -6,6 +6,7 @@
 
 #include "elementwise/bessel.hpp"
 #include "elementwise/convert.hpp"
+#include "elementwise/vmath.hpp"
 #include "frame/math.hpp"
 #include "frame/record.hpp"
 
@@ -81,13 +82,11 @@ void complex_log10(signal_t<T> &x, T k) {
     }
 }
 
-// k log10 x of a real record, k log10 F below F.
+// k log10 x of a real record, k log10 F below F (on the vector units).
 template <class T>
 void real_log10(signal_t<T> &x, T k) {
-    using C = precision<T>;
-    const T kF = k * rt::log10(C::normal_min);
-    T *d = x.data;
-    for (int64_t i = 0; i < x.n; ++i) d[i] = d[i] < C::normal_min ? kF : k * rt::log10(d[i]);
+    const T kF = k * rt::log10(precision<T>::normal_min);
+    vmath::log10<T>(x.data, x.n, k, kF);
 }
 
 }  // namespace
@@ -258,7 +257,7 @@ int exp(signal_t<T> &x) {
         return 0;
     }
     // No lower clamp: a large negative x underflows to 0.
-    for (int64_t i = 0; i < x.n; ++i) d[i] = d[i] > C::exp_max ? L : rt::exp(d[i]);
+    vmath::exp<T>(d, x.n);
     return 0;
 }
 
@@ -277,20 +276,23 @@ int exp10(signal_t<T> &x) {
         }
         return 0;
     }
-    for (int64_t i = 0; i < x.n; ++i) {
-        const T v = d[i];
-        if (v > C::exp10_max) {
-            d[i] = L;
-            continue;
+    if constexpr (single<T>) {
+        // The single family stops advancing at a sample below -L: every
+        // remaining step looks at that same sample and leaves it, so it and
+        // all later samples keep their input values. (Blocks are searched
+        // for such a sample, then passed to the vector code.)
+        for (int64_t b = 0; b < x.n; b += 256) {
+            const int64_t e = std::min<int64_t>(x.n, b + 256);
+            bool below = false;
+            for (int64_t i = b; i < e; ++i) below |= d[i] < -L;
+            int64_t end = e;
+            if (below) end = std::find_if(d + b, d + e, [](T v) { return v < -L; }) - d;
+            vmath::exp10<T>(d + b, end - b);
+            if (end < e) return 0;
         }
-        if constexpr (single<T>) {
-            // The single family stops advancing at a sample below -L: every
-            // remaining step looks at that same sample and leaves it, so it
-            // and all later samples keep their input values.
-            if (v < -L) break;
-        }
-        d[i] = rt::exp(v * C::ln10);  // below -L in double: underflows to 0
+        return 0;
     }
+    vmath::exp10<T>(d, x.n);  // below -L in double: underflows to 0
     return 0;
 }
 
@@ -321,7 +323,7 @@ int log(signal_t<T> &x) {
         return 0;
     }
     // Zero, negative numbers and denormals all give ln F.
-    for (int64_t i = 0; i < x.n; ++i) d[i] = d[i] < C::normal_min ? lnF : rt::log(d[i]);
+    vmath::log<T>(d, x.n, T(1), lnF);
     return 0;
 }
 
@@ -348,17 +350,34 @@ int db(signal_t<T> &x, T k) {
         // input is lost) and moves the walk on once more. The walk may thus
         // reach 2n scalars; it stops at the end of storage (walk_bound), and
         // a decibel value that would land beyond it is dropped.
+        //
+        // Stretches where every value read is at least F go through the
+        // vector units a pair of scalars per step; the other steps are
+        // walked in runs of up to 64, their logarithms taken together (from
+        // the same kernel) and written after the run: the walk never reads
+        // the scalar after one it has read at or above F.
         const T kF = k * rt::log10(C::normal_min);
         const int64_t bound = walk_bound<T>(x);
         T *d = x.data;
-        int64_t p = 0;
-        for (int64_t step = 0; step < x.n && p < bound; ++step) {
-            const T v = d[p];
-            d[p++] = kF;
-            if (v >= C::normal_min) {
-                if (p < bound) d[p] = k * rt::log10(v);
-                ++p;
+        int64_t p = 0, step = 0;
+        while (step < x.n && p < bound) {
+            const int64_t pairs =
+                vmath::db_pairs(d + p, std::min(x.n - step, (bound - p) / 2), k, kF);
+            step += pairs;
+            p += 2 * pairs;
+            T value[64];
+            int64_t at[64];
+            int count = 0;
+            for (int s = 0; s < 64 && step < x.n && p < bound; ++s, ++step) {
+                const T v = d[p];
+                d[p++] = kF;
+                if (v >= C::normal_min) {
+                    if (p < bound) value[count] = v, at[count++] = p;
+                    ++p;
+                }
             }
+            vmath::log10<T>(value, count, k, kF);
+            for (int i = 0; i < count; ++i) d[at[i]] = value[i];
         }
     } else {
         real_log10<T>(x, k);

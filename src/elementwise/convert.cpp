@@ -1,5 +1,6 @@
 #include "elementwise/convert.hpp"
 
+#include "elementwise/vmath.hpp"
 #include "frame/math.hpp"
 #include "frame/record.hpp"
 
@@ -94,7 +95,7 @@ int mag(signal_t<T> &x) {
     T *d = x.data;
     if (x.cplx) {
         x.cplx = 0;
-        for (int64_t i = 0; i < x.n; ++i) d[i] = rt::hypot(d[2 * i], d[2 * i + 1]);
+        vmath::magnitude<T>(d, x.n);
     } else {
         for (int64_t i = 0; i < x.n; ++i) d[i] = std::fabs(d[i]);
     }

@@ -2,6 +2,8 @@
 #include "dsp.h"
 #include "filter/decimate.hpp"
 #include "filter/fir.hpp"
+#include "filter/resample.hpp"
+#include "filter/stream.hpp"
 
 using namespace dsp;
 
@@ -42,5 +44,67 @@ int dspfi_hwfilt(dspf_signal *x, dspf_signal *state) {
     return hwfilt<float>(*x, *x, state, nullptr);
 }
 int dspi_hwfilt(dsp_signal *x, dsp_signal *state) { return hwfilt<double>(*x, *x, state, nullptr); }
+
+// Resampling.
+
+int dspfd_rsmp(const dspf_signal *x, dspf_signal *y, int mode, const dspf_signal *kernel,
+               float step, dspf_signal *history) {
+    return rsmp<float>(*x, *y, mode, *kernel, step, history);
+}
+int dspd_rsmp(const dsp_signal *x, dsp_signal *y, int mode, const dsp_signal *kernel, double step,
+              dsp_signal *history) {
+    return rsmp<double>(*x, *y, mode, *kernel, step, history);
+}
+int dspfd_rsmp2(const dspf_signal *x, dspf_signal *y, int mode, int kernel_mode, float step,
+                dspf_signal *history) {
+    return rsmp2<float>(*x, *y, mode, kernel_mode, step, history);
+}
+int dspd_rsmp2(const dsp_signal *x, dsp_signal *y, int mode, int kernel_mode, double step,
+               dsp_signal *history) {
+    return rsmp2<double>(*x, *y, mode, kernel_mode, step, history);
+}
+
+// Streaming resampler.
+
+int dspfh_rsmp_coef_init(dspfh_rsmp_coef *coef) { return rsmp_coef_init<float>(coef); }
+int dsph_rsmp_coef_init(dsph_rsmp_coef *coef) { return rsmp_coef_init<double>(coef); }
+int dspfh_rsmp_coef_alloc(dspfh_rsmp_coef *coef, int mode) {
+    return rsmp_coef_alloc<float>(coef, mode);
+}
+int dsph_rsmp_coef_alloc(dsph_rsmp_coef *coef, int mode) {
+    return rsmp_coef_alloc<double>(coef, mode);
+}
+int dspfh_rsmp_coef_setup(dspfh_rsmp_coef *coef, float ratio, int fine, int reserved) {
+    return rsmp_coef_setup<float>(coef, ratio, fine, reserved);
+}
+int dsph_rsmp_coef_setup(dsph_rsmp_coef *coef, double ratio, int fine, int reserved) {
+    return rsmp_coef_setup<double>(coef, ratio, fine, reserved);
+}
+int dspfh_rsmp_coef_destroy(dspfh_rsmp_coef *coef) { return rsmp_coef_destroy<float>(coef); }
+int dsph_rsmp_coef_destroy(dsph_rsmp_coef *coef) { return rsmp_coef_destroy<double>(coef); }
+int dspfh_rsmp_state_init(dspfh_rsmp_state *state) { return rsmp_state_init<float>(state); }
+int dsph_rsmp_state_init(dsph_rsmp_state *state) { return rsmp_state_init<double>(state); }
+int dspfh_rsmp_state_alloc(const dspfh_rsmp_coef *coef, dspfh_rsmp_state *state, int cplx) {
+    return rsmp_state_alloc<float>(coef, state, cplx);
+}
+int dsph_rsmp_state_alloc(const dsph_rsmp_coef *coef, dsph_rsmp_state *state, int cplx) {
+    return rsmp_state_alloc<double>(coef, state, cplx);
+}
+int dspfh_rsmp_state_reset(const dspfh_rsmp_coef *coef, dspfh_rsmp_state *state) {
+    return rsmp_state_reset<float>(coef, state);
+}
+int dsph_rsmp_state_reset(const dsph_rsmp_coef *coef, dsph_rsmp_state *state) {
+    return rsmp_state_reset<double>(coef, state);
+}
+int dspfh_rsmp_state_destroy(dspfh_rsmp_state *state) { return rsmp_state_destroy<float>(state); }
+int dsph_rsmp_state_destroy(dsph_rsmp_state *state) { return rsmp_state_destroy<double>(state); }
+int dspfh_rsmp(const dspf_signal *x, dspf_signal *y, dspf_signal *scratch,
+               const dspfh_rsmp_coef *coef, dspfh_rsmp_state *state) {
+    return rsmp_stream<float>(*x, *y, scratch, coef, state);
+}
+int dsph_rsmp(const dsp_signal *x, dsp_signal *y, dsp_signal *scratch, const dsph_rsmp_coef *coef,
+              dsph_rsmp_state *state) {
+    return rsmp_stream<double>(*x, *y, scratch, coef, state);
+}
 
 }  // extern "C"

@@ -176,8 +176,13 @@ int filter_spectrum(const signal_t<T> &h, int64_t L, bool complex_block,
         differs = 1;
     if (!differs) return 0;
     S::keyed = false;
-    if (copy<T>(sp, h) != 0 || scale<T>(sp, T(L)) != 0 || zpad<T>(sp, int(L)) != 0) return -1;
-    if ((complex_block ? fft<T>(sp, 0) : rfft<T>(sp)) != 0) return -1;
+    if (copy<T>(sp, h) != 0 || scale<T>(sp, T(L)) != 0 || zpad<T>(sp, int(L)) != 0 ||
+        (complex_block ? fft<T>(sp, 0) : rfft<T>(sp)) != 0) {
+        // A spectrum left half built (untransformed, or sized without
+        // storage) would be found under the next key: it is no spectrum.
+        sp.n = 0;
+        return -1;
+    }
     if (copy<T>(S::key, h) != 0) return -1;
     S::keyed = true;
     return 0;

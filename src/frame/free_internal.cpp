@@ -15,6 +15,13 @@ template <class T> int release_dct_cache();
 template <class T> int release_dft_scratch();
 template <class T> int release_twiddle_tables();
 template <class T> int release_window_cache();
+template <class T> int release_rsmp_cache();
+
+// Step 1 also releases the resampler's kernel layouts and working storage.
+template <class T>
+int release_filtering() {
+    return release_fir_scratch<T>() == 0 ? release_rsmp_cache<T>() : -1;
+}
 
 template <class T>
 int free_internal() {
@@ -22,7 +29,7 @@ int free_internal() {
     // The fixed release order. A module plugs its step in here, in its slot;
     // an empty slot is a module that keeps no state yet.
     const step steps[8] = {
-        release_fir_scratch<T>,     // 1 FIR filtering: transform cache and work record
+        release_filtering<T>,       // 1 FIR filtering: transform cache, work records, kernel layouts
         release_sfir_scratch<T>,    // 2 symmetric FIR filtering: expanded filter
         release_bitrev_tables<T>,   // 3 bit-reversal index tables
         release_dct_cache<T>,       // 4 DCT: work record and rotation table

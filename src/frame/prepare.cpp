@@ -50,10 +50,16 @@ int prepare_result(const signal_t<T> &in, signal_t<T> **result_slot, const signa
     if (state_slot && *state_slot) {
         signal_t<T> &s = **state_slot;
         s.delta = in.delta;
-        if ((s.cplx != 0) != (in.cplx != 0)) {
-            if ((in.cplx ? rtoc<T>(s) : real<T>(s)) != 0) return -1;
+        const bool convert = (s.cplx != 0) != (in.cplx != 0);
+        if ((convert && (in.cplx ? rtoc<T>(s) : real<T>(s)) != 0) || zpad<T>(s, state_len) != 0) {
+            // A failed growth leaves the record's new n without storage (the
+            // old block, and with it the state, is gone). The record is
+            // emptied instead, so that the next call with it, or with the
+            // internal state record that no caller can repair, starts again
+            // from zeros rather than reading a record without storage.
+            s.n = 0;
+            return -1;
         }
-        if (zpad<T>(s, state_len) != 0) return -1;
     }
     signal_t<T> *r = *result_slot;
     if ((flags & PREP_INPLACE) && in.data == r->data) {

@@ -13,6 +13,16 @@ namespace {
 // A needed count the record's alloc field can hold, or -1.
 int64_t representable(int64_t need) { return need > INT32_MAX ? -1 : need; }
 
+// Releases the block the record owns (free hook if set, else free).
+template <class T>
+void release(signal_t<T> &x) {
+    if (x.alloc <= 0) return;
+    if (hooks<T>::free)
+        hooks<T>::free(&x);
+    else
+        std::free(x.data);
+}
+
 }  // namespace
 
 template <class T>
@@ -28,12 +38,7 @@ int init(signal_t<T> &x) {
 
 template <class T>
 int destroy(signal_t<T> &x) {
-    if (x.alloc > 0) {
-        if (hooks<T>::free)
-            hooks<T>::free(&x);
-        else
-            std::free(x.data);
-    }
+    release<T>(x);
     return init<T>(x);
 }
 
@@ -67,12 +72,18 @@ int realloc(signal_t<T> &x, int prev_n, int prev_cplx) {
         old = x.data;
         x.data = nullptr;
     }
+    T *const before = x.data;
     if (hooks<T>::realloc) {
         hooks<T>::realloc(&x, prev_n, prev_cplx);
     } else {
         x.data = static_cast<T *>(std::realloc(x.data, size_t(need) * sizeof(T)));
     }
     if (!x.data) {
+        // A failed reallocation keeps the old block; the record gives it up
+        // rather than lose it.
+        x.data = before;
+        release<T>(x);
+        x.data = nullptr;
         x.alloc = 0;
         return -1;
     }
@@ -88,10 +99,12 @@ int realloc(signal_t<T> &x, int prev_n, int prev_cplx) {
 template <class T>
 int append(signal_t<T> &a, const signal_t<T> &b) {
     // b may be a itself, or share a's storage: take its shape first and
-    // locate its samples again after a has been resized.
-    const int32_t bn = b.n;
+    // locate its samples again after a has been resized. A negative point
+    // count counts as 0.
+    const int32_t bn = b.n > 0 ? b.n : 0;
     const int32_t bcplx = b.cplx;
-    const int32_t old = a.n;
+    const int32_t old = a.n > 0 ? a.n : 0;
+    if (int64_t(old) + bn > INT32_MAX) return -1;
     if (bcplx && !a.cplx && rtoc<T>(a) != 0) return -1;
     // Only an owned block can move away; caller storage stays valid.
     const T *const before = a.data;
@@ -148,12 +161,12 @@ int cmp(const signal_t<T> &a, const signal_t<T> &b, T tol, int *result) {
     return 0;
 }
 
-#define DSP_INSTANTIATE(T)                                                  \
-    template int init<T>(signal_t<T> &);                                    \
-    template int destroy<T>(signal_t<T> &);                                 \
-    template int alloc<T>(signal_t<T> &);                                   \
-    template int realloc<T>(signal_t<T> &, int, int);                       \
-    template int append<T>(signal_t<T> &, const signal_t<T> &);             \
+#define DSP_INSTANTIATE(T)                                      \
+    template int init<T>(signal_t<T> &);                        \
+    template int destroy<T>(signal_t<T> &);                     \
+    template int alloc<T>(signal_t<T> &);                       \
+    template int realloc<T>(signal_t<T> &, int, int);           \
+    template int append<T>(signal_t<T> &, const signal_t<T> &); \
     template int cmp<T>(const signal_t<T> &, const signal_t<T> &, T, int *);
 DSP_INSTANTIATE(float)
 DSP_INSTANTIATE(double)

@@ -1,6 +1,7 @@
 // C exports of the statistics and the peak search.
 #include "dsp.h"
 #include "stats/peak.hpp"
+#include "stats/polynomial.hpp"
 #include "stats/stats.hpp"
 
 using namespace dsp;
@@ -57,5 +58,39 @@ int dspfs_peak(const dspf_signal *in, dspf_signal *out, int flags, int index) {
 int dsps_peak(const dsp_signal *in, dsp_signal *out, int flags, int index) {
     return peak<double>(*in, *out, flags, index);
 }
+
+// Regression and polynomials.
+int dspfs_lin_regres(const dspf_signal *in, dspf_signal *out) {
+    return lin_regres<float>(*in, *out);
+}
+int dsps_lin_regres(const dsp_signal *in, dsp_signal *out) { return lin_regres<double>(*in, *out); }
+int dspfs_lin_regres2(const dspf_signal *x, const dspf_signal *y, dspf_signal *out) {
+    return lin_regres2<float>(*x, *y, *out);
+}
+int dsps_lin_regres2(const dsp_signal *x, const dsp_signal *y, dsp_signal *out) {
+    return lin_regres2<double>(*x, *y, *out);
+}
+int dspfs_psolve(const dspf_signal *x, const dspf_signal *y, dspf_signal *out, int degree) {
+    return psolve<float>(*x, *y, *out, degree);
+}
+int dsps_psolve(const dsp_signal *x, const dsp_signal *y, dsp_signal *out, int degree) {
+    return psolve<double>(*x, *y, *out, degree);
+}
+int dspfs_pcsolve(const dspf_signal *x, const dspf_signal *y, dspf_signal *out, int degree) {
+    return pcsolve<float>(*x, *y, *out, degree);
+}
+int dsps_pcsolve(const dsp_signal *x, const dsp_signal *y, dsp_signal *out, int degree) {
+    return pcsolve<double>(*x, *y, *out, degree);
+}
+int dspfs_peval(const dspf_signal *coef, const dspf_signal *x, dspf_signal *out) {
+    return peval<float>(*coef, *x, *out);
+}
+int dsps_peval(const dsp_signal *coef, const dsp_signal *x, dsp_signal *out) {
+    return peval<double>(*coef, *x, *out);
+}
+int dspfi_proots(dspf_signal *x) { return proots<float>(*x); }
+int dspi_proots(dsp_signal *x) { return proots<double>(*x); }
+int dspfi_pztoc(dspf_signal *x) { return pztoc<float>(*x); }
+int dspi_pztoc(dsp_signal *x) { return pztoc<double>(*x); }
 
 }  // extern "C"

@@ -1,6 +1,8 @@
-// Complex FFT: radix-4 decimation in frequency (a radix-2 step last for odd
-// powers of two) in place, leaving the spectrum in bit-reversed order, then
-// the bit-reversal permutation (with the 1/n scaling when forward).
+// Complex FFT: the vector kernels (fft_simd.hpp) transform in place into
+// natural order and scale; the scalar kernel is a radix-4 decimation in
+// frequency (a radix-2 step last for odd powers of two) in place, leaving the
+// spectrum in bit-reversed order, followed by the bit-reversal permutation
+// (with the 1/n scaling when forward).
 #include "transform/fft.hpp"
 
 #include <cmath>
@@ -15,8 +17,9 @@ namespace dsp {
 
 namespace {
 
-// A growing array of tables keyed by the number of bits b (n = 2^b),
-// searched linearly. Tables and the entry array come from std::malloc.
+// A growing array of tables keyed by an integer (the number of bits b of
+// n = 2^b, and for twiddle tables also the kernel's lanes), searched
+// linearly. Tables and the entry array come from std::malloc.
 template <class P>
 struct table_cache {
     struct entry {
@@ -55,7 +58,8 @@ struct table_cache {
 };
 
 // The caches of one precision: bit-reversal swap pairs, the fixed indices
-// of the scaling permutation, and the twiddle tables.
+// of the scaling permutation (both for the scalar kernel and the exported
+// permutations), and the twiddle tables.
 template <class T>
 struct caches {
     static inline table_cache<uint32_t> pairs;
@@ -131,14 +135,32 @@ uint32_t *build_fixed(int b) {
     return t;
 }
 
+// Reversal of the low `bits` bits of i.
+inline uint32_t reverse_bits(uint32_t i, int bits) {
+    i = ((i >> 1) & 0x55555555u) | ((i & 0x55555555u) << 1);
+    i = ((i >> 2) & 0x33333333u) | ((i & 0x33333333u) << 2);
+    i = ((i >> 4) & 0x0f0f0f0fu) | ((i & 0x0f0f0f0fu) << 4);
+    i = ((i >> 8) & 0x00ff00ffu) | ((i & 0x00ff00ffu) << 8);
+    i = (i >> 16) | (i << 16);
+    return bits ? i >> (32 - bits) : 0;
+}
+
 // (c, s) of the angle a + q pi/2, from (c0, s0) = (cos a, sin a).
 inline void to_quadrant(uint64_t q, long double c0, long double s0, long double &c,
                         long double &s) {
     switch (q) {
-        case 0: c = c0, s = s0; break;
-        case 1: c = -s0, s = c0; break;
-        case 2: c = -c0, s = -s0; break;
-        default: c = s0, s = -c0; break;
+        case 0:
+            c = c0, s = s0;
+            break;
+        case 1:
+            c = -s0, s = c0;
+            break;
+        case 2:
+            c = -c0, s = -s0;
+            break;
+        default:
+            c = s0, s = -c0;
+            break;
     }
 }
 
@@ -178,58 +200,57 @@ void cis_from_octant(uint64_t j, uint64_t N, const long double *oct, long double
     to_quadrant(q, c0, s0, c, s);
 }
 
-// Twiddle table for n = 2^b: the radix-4 stages, largest first; the stage of
-// blocks of 4m points holds w^k, w^2k, w^3k for k < m, w = e^(-2 pi i / 4m),
-// as six arrays of m scalars (re, im of each). Every factor is a point of the
-// circle of n points; those of the first eighth are evaluated once (in long
+// Twiddle table of a transform of n = 2^b points by the kernel k (the
+// layout of fft_kernel::table_length). Every factor is a point of the circle
+// of n points; those of the first eighth are evaluated once (in long
 // double, when the temporary table can be had) and the others follow by
 // symmetry.
 template <class T>
-T *build_twiddles(int b) {
-    const size_t length = size_t(fft_kernel::twiddle_length(b));
+T *build_twiddles(int b, fft_kernel::choice k) {
+    const size_t length = size_t(fft_kernel::table_length(b, k));
     auto *t = static_cast<T *>(std::malloc((length ? length : 1) * sizeof(T)));
     if (!t) return nullptr;
-    const uint64_t n = uint64_t(1) << b;
+    const uint64_t n = uint64_t(1) << b, V = uint64_t(k.lanes), M = n / V;
     long double *oct = nullptr;
     if (n >= 8) {
         oct = static_cast<long double *>(std::malloc(size_t(n / 8 + 1) * 2 * sizeof(long double)));
         if (oct)
             for (uint64_t i = 0; i <= n / 8; ++i) cis(i, n, oct[2 * i], oct[2 * i + 1]);
     }
+    // Writes w_n^j = (cos, -sin) of 2 pi j / n.
+    auto put = [&](uint64_t j, T &re, T &im) {
+        long double c, s;
+        if (oct)
+            cis_from_octant(j, n, oct, c, s);
+        else
+            cis(j, n, c, s);
+        re = T(c);
+        im = T(-s);
+    };
     T *p = t;
-    for (int64_t m = int64_t(n) / 4; m >= 1; m /= 4) {
-        const uint64_t span = uint64_t(4 * m), step = n / span;
-        for (int r = 1; r <= 3; ++r) {
-            T *re = p + 2 * (r - 1) * m, *im = re + m;
-            for (int64_t k = 0; k < m; ++k) {
-                long double c, s;
-                if (oct)
-                    cis_from_octant(uint64_t(r) * uint64_t(k) * step, n, oct, c, s);
-                else
-                    cis(uint64_t(r) * uint64_t(k), span, c, s);
-                re[k] = T(c);
-                im[k] = T(-s);
-            }
-        }
-        p += 6 * m;
+    int radix[64] = {};
+    const int stages = fft_kernel::stage_radices(b - __builtin_ctz(unsigned(V)), k.eight, radix);
+    uint64_t span = M;
+    for (int s = 0; s < stages; ++s) {
+        const uint64_t r = uint64_t(radix[s]), m = span / r, step = n / span;  // w = w_n^step
+        const int bits = __builtin_ctz(unsigned(r));
+        for (uint64_t j = 0; j < m; ++j)
+            for (uint64_t q = 1; q < r; ++q, p += 2)
+                put(reverse_bits(uint32_t(q), bits) * j * step, p[0], p[1]);
+        span = m;
     }
+    if (V > 1)
+        for (uint64_t c = 0; c < M / V; ++c)
+            for (uint64_t l = 1; l < V; ++l, p += 2 * V)
+                for (uint64_t i = 0; i < V; ++i) put(l * (c * V + i), p[i], p[V + i]);
     std::free(oct);
     return t;
 }
 
 template <class T>
-T *twiddles(int b) {
-    return caches<T>::twiddles.get(b, build_twiddles<T>);
-}
-
-// Reversal of the low `bits` bits of i.
-inline uint32_t reverse_bits(uint32_t i, int bits) {
-    i = ((i >> 1) & 0x55555555u) | ((i & 0x55555555u) << 1);
-    i = ((i >> 2) & 0x33333333u) | ((i & 0x33333333u) << 2);
-    i = ((i >> 4) & 0x0f0f0f0fu) | ((i & 0x0f0f0f0fu) << 4);
-    i = ((i >> 8) & 0x00ff00ffu) | ((i & 0x00ff00ffu) << 8);
-    i = (i >> 16) | (i << 16);
-    return bits ? i >> (32 - bits) : 0;
+T *twiddles(int b, fft_kernel::choice k) {
+    const int key = (b << 8) | (k.lanes << 1) | (k.eight ? 1 : 0);
+    return caches<T>::twiddles.get(key, [k](int key) { return build_twiddles<T>(key >> 8, k); });
 }
 
 // Cache-friendly bit reversal of 2^b complex points, scaled by s when Scale.
@@ -368,12 +389,28 @@ int fft(signal_t<T> &x, int inverse) {
         d[2] = r0 - r1, d[3] = i0 - i1;
     } else if (n >= 4) {
         if (rtoc<T>(x) != 0) return -1;
-        const T *tw = twiddles<T>(b);
+        const fft_kernel::choice k = fft_kernel::choose<T>(b);
+        const T *tw = twiddles<T>(b, k);
         if (!tw) return -1;
-        fft_kernel::transform<T>(x.data, b, tw, inverse != 0);
-        if ((inverse ? bitrev<T>(x) : bitrev_scale<T>(x)) != 0) return -1;
+        if (k.lanes > 1) {
+            // 1/n is a power of two: exact in either precision.
+            fft_kernel::transform<T>(x.data, b, k, tw, inverse != 0, T(1.0 / double(n)));
+        } else {
+            fft_kernel::scalar_passes<T>(x.data, b, tw, inverse != 0);
+            if ((inverse ? bitrev<T>(x) : bitrev_scale<T>(x)) != 0) return -1;
+        }
     }
     x.delta = x.delta == T(0) ? precision<T>::large : T(1) / (x.delta * T(n));
+    return 0;
+}
+
+template <class T>
+int chirp_convolve(T *d, int b, const T *chirp, const T *K, int64_t n, T scale) {
+    const fft_kernel::choice k = fft_kernel::choose<T>(b);
+    if (k.lanes == 1) return 1;
+    const T *tw = twiddles<T>(b, k);
+    if (!tw) return -1;
+    fft_kernel::convolve<T>(d, b, k, tw, chirp, K, n, scale);
     return 0;
 }
 
@@ -384,7 +421,11 @@ int raw_fft(T *data, int n, int cplx, int inverse) {
     x.data = data;
     x.n = n;
     x.cplx = cplx;
-    return fft<T>(x, inverse);
+    // Real data is widened into a block of the record's own, which never
+    // reaches the caller's array: release it.
+    const int status = fft<T>(x, inverse);
+    destroy<T>(x);
+    return status;
 }
 
 template <class T>
@@ -400,12 +441,13 @@ int release_twiddle_tables() {
     return 0;
 }
 
-#define DSP_INSTANTIATE(T)                       \
-    template int fft<T>(signal_t<T> &, int);     \
-    template int raw_fft<T>(T *, int, int, int); \
-    template int bitrev<T>(signal_t<T> &);       \
-    template int bitrev_scale<T>(signal_t<T> &); \
-    template int release_bitrev_tables<T>();     \
+#define DSP_INSTANTIATE(T)                                                      \
+    template int fft<T>(signal_t<T> &, int);                                    \
+    template int raw_fft<T>(T *, int, int, int);                                \
+    template int chirp_convolve<T>(T *, int, const T *, const T *, int64_t, T); \
+    template int bitrev<T>(signal_t<T> &);                                      \
+    template int bitrev_scale<T>(signal_t<T> &);                                \
+    template int release_bitrev_tables<T>();                                    \
     template int release_twiddle_tables<T>();
 DSP_INSTANTIATE(float)
 DSP_INSTANTIATE(double)

@@ -23,6 +23,14 @@ int fft(signal_t<T> &x, int inverse);
 template <class T>
 int raw_fft(T *data, int n, int cplx, int inverse);
 
+// The circular convolution of the chirp-z transform of n points over
+// N = 2^b points at d on the vector kernels (see fft_kernel::convolve; K is
+// the kernel spectrum divided by N). 0 when done, 1 when no vector kernel
+// serves N (the caller convolves through fft), -1 when a table cannot be
+// built.
+template <class T>
+int chirp_convolve(T *d, int b, const T *chirp, const T *K, int64_t n, T scale);
+
 // Bit-reversal permutation of the points (complex) or scalars (real) of a
 // record of 2^b points; bitrev_scale also multiplies every scalar by 1/n.
 template <class T>

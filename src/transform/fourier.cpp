@@ -31,12 +31,14 @@
 // integer part of log2(n - 1.5): M > 2n - 3, so the kernel's support
 // -(n - 1) .. n - 1 never wraps onto a different value (for M = 2n - 2 the
 // two copies of b[n - 1] meet at one index and agree). The kernel record
-// holds b at 0 .. n - 1 and at M - n + 1 .. M - 1 and is transformed once:
-// K = M * FFT(b), the unnormalised spectrum, because the forward FFT's 1/M
-// and the unscaled inverse then leave exactly the circular convolution.
-// The transform's own factor (1/n forward, 1 inverse) is applied with the
-// final chirp. The inverse direction uses conj c, whose kernel spectrum is
-// the reversed conjugate, K'[k] = conj K[(M - k) mod M]: a change of
+// holds b at 0 .. n - 1 and at M - n + 1 .. M - 1 and is transformed once
+// by the forward FFT: K = FFT(b), the spectrum with the factor 1/M that the
+// convolution needs, so that the unscaled transform of x c times K,
+// transformed back unscaled, is exactly the circular convolution. The vector
+// kernels do all of it in two passes over the data (fft_kernel::convolve);
+// otherwise the FFT's own 1/M is made good at the end. The transform's own
+// factor (1/n forward, 1 inverse) is applied with the final chirp. The inverse direction uses conj
+// c, whose kernel spectrum is the reversed conjugate, K'[k] = conj K[(M - k) mod M]: a change of
 // direction alone conjugates the chirp and reverses the kernel in place.
 #include "transform/fourier.hpp"
 
@@ -44,15 +46,13 @@
 #include <cstdint>
 #include <cstdlib>
 
-#if defined(__SSE2__) && !defined(DSP_NO_SIMD)
-#include <emmintrin.h>
-#endif
-
 #include "elementwise/convert.hpp"
 #include "elementwise/differences.hpp"
 #include "elementwise/rearrange.hpp"
 #include "frame/record.hpp"
 #include "transform/fft.hpp"
+#include "transform/fft_kernel.hpp"
+#include "transform/mixed.hpp"
 
 #if defined(__GNUC__) || defined(__clang__)
 #define DSP_RESTRICT __restrict__
@@ -111,8 +111,7 @@ const T *split_table(int b) {
 // with W^k = c - i s from the table w. Point k is read and written through
 // lo, its partner through hi; the two ranges never meet.
 template <bool Inverse, class T>
-inline void split_pair(T *DSP_RESTRICT lo, T *DSP_RESTRICT hi, const T *DSP_RESTRICT w,
-                       int64_t k) {
+inline void split_pair(T *DSP_RESTRICT lo, T *DSP_RESTRICT hi, const T *DSP_RESTRICT w, int64_t k) {
     const T ar = lo[2 * k], ai = lo[2 * k + 1];
     const T br = hi[-2 * k], bi = -hi[-2 * k + 1];
     const T pr = ar + br, pim = ai + bi;
@@ -133,67 +132,11 @@ inline void split_pair(T *DSP_RESTRICT lo, T *DSP_RESTRICT hi, const T *DSP_REST
     hi[-2 * k + 1] = -f * (pim - qi);
 }
 
-#if defined(__SSE2__) && !defined(DSP_NO_SIMD)
-// The same pairs on SSE2 vectors: two pairs per step in single precision,
-// one in double precision. Returns the first k left to the scalar loop.
-template <bool Inverse>
-int64_t split_vector(float *d, int64_t h, const float *w) {
-    const __m128 odd = _mm_castsi128_ps(_mm_set_epi32(INT32_MIN, 0, INT32_MIN, 0));
-    const __m128 even = _mm_castsi128_ps(_mm_set_epi32(0, INT32_MIN, 0, INT32_MIN));
-    const __m128 f = _mm_set1_ps(Inverse ? 1.0f : 0.25f);
-    float *hi = d + 2 * h;
-    int64_t k = 1;
-    for (; k + 1 < h / 2; k += 2) {
-        const __m128 a = _mm_loadu_ps(d + 2 * k);
-        __m128 b = _mm_loadu_ps(hi - 2 * k - 2);  // points h-k-1, h-k
-        b = _mm_xor_ps(_mm_shuffle_ps(b, b, _MM_SHUFFLE(1, 0, 3, 2)), odd);
-        const __m128 p = _mm_add_ps(a, b), dd = _mm_sub_ps(a, b);
-        const __m128 wv = _mm_loadu_ps(w + 2 * k);
-        const __m128 c = _mm_shuffle_ps(wv, wv, _MM_SHUFFLE(2, 2, 0, 0));
-        const __m128 s = _mm_shuffle_ps(wv, wv, _MM_SHUFFLE(3, 3, 1, 1));
-        const __m128 ds = _mm_shuffle_ps(dd, dd, _MM_SHUFFLE(2, 3, 0, 1));
-        const __m128 sign = Inverse ? even : odd;
-        const __m128 wd = _mm_add_ps(_mm_mul_ps(c, dd), _mm_mul_ps(s, _mm_xor_ps(ds, sign)));
-        const __m128 q = _mm_xor_ps(_mm_shuffle_ps(wd, wd, _MM_SHUFFLE(2, 3, 0, 1)), sign);
-        const __m128 x = _mm_mul_ps(f, _mm_add_ps(p, q));
-        __m128 y = _mm_mul_ps(f, _mm_xor_ps(_mm_sub_ps(p, q), odd));
-        y = _mm_shuffle_ps(y, y, _MM_SHUFFLE(1, 0, 3, 2));
-        _mm_storeu_ps(d + 2 * k, x);
-        _mm_storeu_ps(hi - 2 * k - 2, y);
-    }
-    return k;
-}
-
-template <bool Inverse>
-int64_t split_vector(double *d, int64_t h, const double *w) {
-    const __m128d odd = _mm_castsi128_pd(_mm_set_epi64x(INT64_MIN, 0));
-    const __m128d even = _mm_castsi128_pd(_mm_set_epi64x(0, INT64_MIN));
-    const __m128d f = _mm_set1_pd(Inverse ? 1.0 : 0.25);
-    double *hi = d + 2 * h;
-    int64_t k = 1;
-    for (; k < h / 2; ++k) {
-        const __m128d a = _mm_loadu_pd(d + 2 * k);
-        const __m128d b = _mm_xor_pd(_mm_loadu_pd(hi - 2 * k), odd);
-        const __m128d p = _mm_add_pd(a, b), dd = _mm_sub_pd(a, b);
-        const __m128d c = _mm_set1_pd(w[2 * k]), s = _mm_set1_pd(w[2 * k + 1]);
-        const __m128d ds = _mm_shuffle_pd(dd, dd, 1);
-        const __m128d sign = Inverse ? even : odd;
-        const __m128d wd = _mm_add_pd(_mm_mul_pd(c, dd), _mm_mul_pd(s, _mm_xor_pd(ds, sign)));
-        const __m128d q = _mm_xor_pd(_mm_shuffle_pd(wd, wd, 1), sign);
-        _mm_storeu_pd(d + 2 * k, _mm_mul_pd(f, _mm_add_pd(p, q)));
-        _mm_storeu_pd(hi - 2 * k, _mm_mul_pd(f, _mm_xor_pd(_mm_sub_pd(p, q), odd)));
-    }
-    return k;
-}
-#endif
-
+// The pairs on the vectors of the FFT kernel, the rest here.
 template <bool Inverse, class T>
 void split_pairs(T *d, int64_t h, const T *w) {
-    int64_t k = 1;
-#if defined(__SSE2__) && !defined(DSP_NO_SIMD)
-    k = split_vector<Inverse>(d, h, w);
-#endif
-    for (; k < h / 2; ++k) split_pair<Inverse>(d, d + 2 * h, w, k);
+    for (int64_t k = fft_kernel::real_split<T>(d, h, w, Inverse); k < h / 2; ++k)
+        split_pair<Inverse>(d, d + 2 * h, w, k);
 }
 
 // Post-processing of the half-length complex FFT into the half spectrum.
@@ -301,9 +244,7 @@ int prepare_chirp(int32_t n, int inverse) {
         kd[2 * (m - j)] = c.data[2 * j];
         kd[2 * (m - j) + 1] = -c.data[2 * j + 1];
     }
-    if (fft<T>(K, 0) != 0) return -1;
-    const T mm = T(m);
-    for (int64_t i = 0; i < 2 * m; ++i) kd[i] *= mm;
+    if (fft<T>(K, 0) != 0) return -1;  // with the 1/M of the convolution
     cache::n = n;
     cache::inverse = inverse;
     return 0;
@@ -320,31 +261,49 @@ int chirp_z(signal_t<T> &x, int inverse) {
     const T *K = chirp_cache<T>::kernel.data;
     const int32_t m = chirp_cache<T>::kernel.n;
     if (rtoc<T>(x) != 0) return -1;
-    T *d = x.data;
-    for (int64_t k = 0; k < n; ++k) {
-        const T re = d[2 * k], im = d[2 * k + 1];
-        d[2 * k] = re * c[2 * k] - im * c[2 * k + 1];
-        d[2 * k + 1] = re * c[2 * k + 1] + im * c[2 * k];
-    }
-    if (zpad<T>(x, m) != 0) return -1;
-    if (fft<T>(x, 0) != 0) return -1;
-    d = x.data;
-    for (int64_t k = 0; k < m; ++k) {
-        const T re = d[2 * k], im = d[2 * k + 1];
-        d[2 * k] = re * K[2 * k] - im * K[2 * k + 1];
-        d[2 * k + 1] = re * K[2 * k + 1] + im * K[2 * k];
-    }
-    if (fft<T>(x, 1) != 0) return -1;
-    x.n = n;
-    d = x.data;
     const T s = inverse ? T(1) : T(1.0 / double(n));
-    for (int64_t k = 0; k < n; ++k) {
-        const T re = d[2 * k], im = d[2 * k + 1];
-        d[2 * k] = s * (re * c[2 * k] - im * c[2 * k + 1]);
-        d[2 * k + 1] = s * (re * c[2 * k + 1] + im * c[2 * k]);
+    // Room for the m points of the convolution, keeping the n points.
+    x.n = m;
+    if (realloc<T>(x, n, 1) != 0) return -1;
+    x.n = n;
+    const int status = chirp_convolve<T>(x.data, log2_of(m), c, K, n, s);
+    if (status < 0) return -1;
+    if (status > 0) {
+        // Through the plain transforms: chirp, zeros to m, forward FFT (its
+        // 1/m made good at the end), kernel spectrum, inverse FFT, chirp.
+        T *d = x.data;
+        for (int64_t k = 0; k < n; ++k) {
+            const T re = d[2 * k], im = d[2 * k + 1];
+            d[2 * k] = re * c[2 * k] - im * c[2 * k + 1];
+            d[2 * k + 1] = re * c[2 * k + 1] + im * c[2 * k];
+        }
+        if (zpad<T>(x, m) != 0) return -1;
+        if (fft<T>(x, 0) != 0) return -1;
+        d = x.data;
+        for (int64_t k = 0; k < m; ++k) {
+            const T re = d[2 * k], im = d[2 * k + 1];
+            d[2 * k] = re * K[2 * k] - im * K[2 * k + 1];
+            d[2 * k + 1] = re * K[2 * k + 1] + im * K[2 * k];
+        }
+        if (fft<T>(x, 1) != 0) return -1;
+        x.n = n;
+        d = x.data;
+        const T sm = s * T(m);
+        for (int64_t k = 0; k < n; ++k) {
+            const T re = d[2 * k], im = d[2 * k + 1];
+            d[2 * k] = sm * (re * c[2 * k] - im * c[2 * k + 1]);
+            d[2 * k + 1] = sm * (re * c[2 * k + 1] + im * c[2 * k]);
+        }
     }
     x.delta = delta;
     return 0;
+}
+
+// The DFT of a length that is not a power of two: mixed radix for lengths
+// with factors 2, 3, 5 and 7 only, the chirp-z transform for the others.
+template <class T>
+int any_length(signal_t<T> &x, int inverse) {
+    return smooth(x.n) ? mixed_dft<T>(x, inverse) : chirp_z<T>(x, inverse);
 }
 
 }  // namespace
@@ -419,7 +378,7 @@ int dft(signal_t<T> &x, int inverse) {
     }
     if (power_of_two(n)) return fft<T>(x, inverse);
     const T delta = x.delta;
-    if (chirp_z<T>(x, inverse ? 1 : 0) != 0) return -1;
+    if (any_length<T>(x, inverse ? 1 : 0) != 0) return -1;
     x.delta = transformed_spacing(delta, T(n));
     return 0;
 }
@@ -431,7 +390,7 @@ int rdft(signal_t<T> &x) {
     if (power_of_two(n)) return rfft<T>(x);
     if (n >= 2) {
         const T delta = x.delta;
-        if (chirp_z<T>(x, 0) != 0) return -1;
+        if (any_length<T>(x, 0) != 0) return -1;
         x.delta = transformed_spacing(delta, T(n));
         x.n = n / 2 + 1;
         return 0;
@@ -450,7 +409,7 @@ int irdft(signal_t<T> &x, int odd) {
         x.delta = transformed_spacing(x.delta, T(1));
     } else if (!power_of_two(n)) {
         const T delta = x.delta;
-        if (chirp_z<T>(x, 1) != 0) return -1;
+        if (any_length<T>(x, 1) != 0) return -1;
         x.delta = transformed_spacing(delta, T(n));
     } else if (fft<T>(x, 1) != 0) {
         return -1;
@@ -513,17 +472,18 @@ int release_dft_scratch() {
         std::free(t);
         t = nullptr;
     }
+    release_mixed<T>();
     return 0;
 }
 
-#define DSP_INSTANTIATE(T)                      \
-    template int rfft<T>(signal_t<T> &);        \
-    template int irfft<T>(signal_t<T> &);       \
-    template int dft<T>(signal_t<T> &, int);    \
-    template int rdft<T>(signal_t<T> &);        \
-    template int irdft<T>(signal_t<T> &, int);  \
-    template int hilbert<T>(signal_t<T> &);     \
-    template int analytic<T>(signal_t<T> &);    \
+#define DSP_INSTANTIATE(T)                     \
+    template int rfft<T>(signal_t<T> &);       \
+    template int irfft<T>(signal_t<T> &);      \
+    template int dft<T>(signal_t<T> &, int);   \
+    template int rdft<T>(signal_t<T> &);       \
+    template int irdft<T>(signal_t<T> &, int); \
+    template int hilbert<T>(signal_t<T> &);    \
+    template int analytic<T>(signal_t<T> &);   \
     template int release_dft_scratch<T>();
 DSP_INSTANTIATE(float)
 DSP_INSTANTIATE(double)

@@ -96,6 +96,22 @@ int dsp_window2_enbw(double *out, dsp_window kind, int n, double p) {
 // Windowed spectrum.
 int dspfh_fft(const dspf_signal *in, dspf_signal *result, dspf_signal *scratch, dsp_window kind, int flags, int length) { return windowed_fft<float>(*in, *result, scratch, kind, flags, length); }
 int dsph_fft(const dsp_signal *in, dsp_signal *result, dsp_signal *scratch, dsp_window kind, int flags, int length) { return windowed_fft<double>(*in, *result, scratch, kind, flags, length); }
+int dspfh_dft(const dspf_signal *in, dspf_signal *result, dspf_signal *scratch, dsp_window kind,
+              int flags, int length) {
+    return windowed_dft<float>(*in, *result, scratch, kind, flags, length);
+}
+int dsph_dft(const dsp_signal *in, dsp_signal *result, dsp_signal *scratch, dsp_window kind,
+             int flags, int length) {
+    return windowed_dft<double>(*in, *result, scratch, kind, flags, length);
+}
+int dspfh_avg(const dspf_signal *in, dspf_signal *result, dspf_signal *scratch, dsp_window kind,
+              int flags, int segment, int overlap) {
+    return averaged_spectrum<float>(*in, *result, scratch, kind, flags, segment, overlap);
+}
+int dsph_avg(const dsp_signal *in, dsp_signal *result, dsp_signal *scratch, dsp_window kind,
+             int flags, int segment, int overlap) {
+    return averaged_spectrum<double>(*in, *result, scratch, kind, flags, segment, overlap);
+}
 int cf_dspfh_fft(const float *in, float *out, int n, int cplx, dsp_window kind, int flags, int length) { return windowed_fft_array<float>(in, out, n, cplx, kind, flags, length); }
 int cf_dsph_fft(const double *in, double *out, int n, int cplx, dsp_window kind, int flags, int length) { return windowed_fft_array<double>(in, out, n, cplx, kind, flags, length); }
 int cf_dspfh_fft_fast_but_dirty(const float *in, float *out, int n, int cplx, dsp_window kind, int flags, int length) { return windowed_fft_array_in_place(in, out, n, cplx, kind, flags, length); }

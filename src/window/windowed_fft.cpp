@@ -19,9 +19,12 @@ namespace {
 
 bool power_of_two(int n) { return n > 0 && (n & (n - 1)) == 0; }
 
-// The transform length for n points: `length`, or n rounded up to a power
-// of two when it is 0; -1 when that is not a power of two of at least n.
-int spectrum_length(int n, int length) {
+// The transform length for n points: `length`, or the default when it is 0.
+// The FFT (any false) needs a power of two of at least n and defaults to n
+// rounded up to one; the DFT (any true) takes any length of at least n and
+// defaults to n. -1 when the length is not allowed.
+int spectrum_length(int n, int length, bool any) {
+    if (any) return length == 0 ? n : (length >= n ? length : -1);
     int m = length;
     if (m == 0) {
         m = 1;
@@ -38,7 +41,7 @@ int64_t spectrum_scalars(int m, int cplx, int flags) {
 }
 
 template <class T>
-int spectrum_into(const signal_t<T> &in, signal_t<T> &work, int kind, int flags, int m) {
+int spectrum_into(const signal_t<T> &in, signal_t<T> &work, int kind, int flags, int m, bool any) {
     const int n = in.n;
     if (copy<T>(work, in) != 0) return -1;
     if (window<T>(work, kind, flags & 63) != 0) return -1;
@@ -49,7 +52,9 @@ int spectrum_into(const signal_t<T> &in, signal_t<T> &work, int kind, int flags,
     if (m > n &&
         zpad2<T>(work, m, (rotated ? ZPAD_PLACE_SPLIT : ZPAD_PLACE_END) | ZPAD_SCALE_RATIO) != 0)
         return -1;
-    if ((work.cplx ? fft<T>(work, 0) : rfft<T>(work)) != 0) return -1;
+    const int status = any ? (work.cplx ? dft<T>(work, 0) : rdft<T>(work))
+                           : (work.cplx ? fft<T>(work, 0) : rfft<T>(work));
+    if (status != 0) return -1;
     switch (flags & SPECTRUM_FORM_MASK) {
         case SPECTRUM_MAGNITUDE:
             return mag<T>(work);
@@ -60,27 +65,36 @@ int spectrum_into(const signal_t<T> &in, signal_t<T> &work, int kind, int flags,
     }
 }
 
+// The windowed spectrum by the FFT (any == false) or the DFT of any length.
+template <class T>
+int windowed_spectrum(const signal_t<T> &in, signal_t<T> &result, signal_t<T> *scratch, int kind,
+                      int flags, int length, bool any) {
+    const int n = in.n;
+    if (n < 1 || (flags & SPECTRUM_FORM_MASK) == SPECTRUM_FORM_MASK) return -1;
+    const int m = spectrum_length(n, length, any);
+    if (m < 0) return -1;
+    // Work in the caller's scratch record, in the result itself when they
+    // are the same record, or in a temporary one; the result is sized only
+    // for the final form.
+    if (scratch == &result) return spectrum_into<T>(in, result, kind, flags, m, any);
+    working<T> work(scratch, scratch != &in);
+    int status = spectrum_into<T>(in, *work, kind, flags, m, any);
+    if (status == 0) status = copy<T>(result, *work);
+    return status == 0 ? 0 : -1;
+}
+
 }  // namespace
 
 template <class T>
 int windowed_fft(const signal_t<T> &in, signal_t<T> &result, signal_t<T> *scratch, int kind,
                  int flags, int length) {
-    const int n = in.n;
-    if (n < 1 || (flags & SPECTRUM_FORM_MASK) == SPECTRUM_FORM_MASK) return -1;
-    const int m = spectrum_length(n, length);
-    if (m < 0) return -1;
-    // Work in the caller's scratch record, in the result itself when they
-    // are the same record, or in a temporary one; the result is sized only
-    // for the final form.
-    if (scratch == &result) return spectrum_into<T>(in, result, kind, flags, m);
-    signal_t<T> temporary;
-    const bool own = !scratch || scratch == &in;
-    signal_t<T> &work = own ? temporary : *scratch;
-    if (own) init<T>(temporary);
-    int status = spectrum_into<T>(in, work, kind, flags, m);
-    if (status == 0) status = copy<T>(result, work);
-    if (own) destroy<T>(temporary);
-    return status == 0 ? 0 : -1;
+    return windowed_spectrum<T>(in, result, scratch, kind, flags, length, false);
+}
+
+template <class T>
+int windowed_dft(const signal_t<T> &in, signal_t<T> &result, signal_t<T> *scratch, int kind,
+                 int flags, int length) {
+    return windowed_spectrum<T>(in, result, scratch, kind, flags, length, true);
 }
 
 template <class T>
@@ -114,7 +128,7 @@ int windowed_fft_array_in_place(const float *in, float *out, int n, int cplx, in
     // and nothing to destroy. A result larger than the array would have the
     // allocator free the caller's array and take a new block, so such a call
     // fails with -1 before anything is written.
-    const int m = spectrum_length(n, length);
+    const int m = spectrum_length(n, length, false);
     if (n < 1 || m < 0 || spectrum_scalars(m, cplx, flags) > scalar_count(n, cplx)) return -1;
     r.data = out;
     r.n = n;
@@ -125,6 +139,8 @@ int windowed_fft_array_in_place(const float *in, float *out, int n, int cplx, in
 
 #define DSP_INSTANTIATE(T)                                                                    \
     template int windowed_fft<T>(const signal_t<T> &, signal_t<T> &, signal_t<T> *, int, int, \
+                                 int);                                                        \
+    template int windowed_dft<T>(const signal_t<T> &, signal_t<T> &, signal_t<T> *, int, int, \
                                  int);                                                        \
     template int windowed_fft_array<T>(const T *, T *, int, int, int, int, int);
 DSP_INSTANTIATE(float)

@@ -67,7 +67,7 @@ TYPED_TEST(Convert, WideningCallerStorageAndFailure) {
 
     // A failed widening leaves the record complex with nothing owned.
     Rec<T> a({1, 2}), b({1, 2}), c({1, 2});
-    DSP(_lib_realloc)([](sig<T> *x, int, int) { std::free(x->data), x->data = nullptr; }, nullptr);
+    DSP(_lib_realloc)([](sig<T> *x, int, int) { x->data = nullptr; }, nullptr);
     EXPECT_EQ(DSP(i_rtoc)(&a), -1);
     EXPECT_EQ(DSP(i_rtop)(&b), -1);
     EXPECT_EQ(DSP(i_timesi)(&c), -1);

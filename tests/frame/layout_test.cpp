@@ -29,17 +29,56 @@ const Expected layout[] = {
     DSP_FIELD(dsp_signal, delta, 0, 0),    DSP_FIELD(dsp_signal, data, 8, 8),
     DSP_FIELD(dsp_signal, alloc, 12, 16),  DSP_FIELD(dsp_signal, n, 16, 20),
     DSP_FIELD(dsp_signal, cplx, 20, 24),   DSP_FIELD(dsp_signal, reserved, 24, 28),
-    // ---- Resampler records: dspfh_rsmp_coef, dspfh_rsmp_state and the
-    // double twins dsph_rsmp_coef, dsph_rsmp_state. Rows to add here with
-    // their declarations, every field through DSP_FIELD, and the table
-    // copied beside the records in dsp.h. Laid out in their documented field
-    // order with int flags and counts, they come to (size, align; 32-bit
-    // ARM, then 64-bit):
-    //   dspfh_rsmp_coef   104, 4   136, 8   ratio (float) at 84 / 116
-    //   dsph_rsmp_coef    144, 8   144, 8   ratio (double) at 120 / 120
-    //   dspfh_rsmp_state  116, 4   168, 8   output skip at 112 / 160
-    //   dsph_rsmp_state   152, 8   168, 8   output skip at 144 / 160
-    // ----
+    // The resampler records: records of the precision, then int flags, counts
+    // and skips (and the array pointers of the state) in the declared order.
+    {"sizeof(dspfh_rsmp_coef)", sizeof(dspfh_rsmp_coef), 104, 136},
+    {"alignof(dspfh_rsmp_coef)", alignof(dspfh_rsmp_coef), 4, 8},
+    DSP_FIELD(dspfh_rsmp_coef, halfband, 0, 0),
+    DSP_FIELD(dspfh_rsmp_coef, halfband_odd, 24, 32),
+    DSP_FIELD(dspfh_rsmp_coef, prefilter, 28, 40),
+    DSP_FIELD(dspfh_rsmp_coef, prefilter_odd, 52, 72),
+    DSP_FIELD(dspfh_rsmp_coef, kernel, 56, 80),
+    DSP_FIELD(dspfh_rsmp_coef, kernel_mode, 80, 112),
+    DSP_FIELD(dspfh_rsmp_coef, ratio, 84, 116),
+    DSP_FIELD(dspfh_rsmp_coef, stages, 88, 120),
+    DSP_FIELD(dspfh_rsmp_coef, fine, 92, 124),
+    DSP_FIELD(dspfh_rsmp_coef, skip_in, 96, 128),
+    DSP_FIELD(dspfh_rsmp_coef, skip_out, 100, 132),
+    {"sizeof(dsph_rsmp_coef)", sizeof(dsph_rsmp_coef), 144, 144},
+    {"alignof(dsph_rsmp_coef)", alignof(dsph_rsmp_coef), 8, 8},
+    DSP_FIELD(dsph_rsmp_coef, halfband, 0, 0),
+    DSP_FIELD(dsph_rsmp_coef, halfband_odd, 32, 32),
+    DSP_FIELD(dsph_rsmp_coef, prefilter, 40, 40),
+    DSP_FIELD(dsph_rsmp_coef, prefilter_odd, 72, 72),
+    DSP_FIELD(dsph_rsmp_coef, kernel, 80, 80),
+    DSP_FIELD(dsph_rsmp_coef, kernel_mode, 112, 112),
+    DSP_FIELD(dsph_rsmp_coef, ratio, 120, 120),
+    DSP_FIELD(dsph_rsmp_coef, stages, 128, 128),
+    DSP_FIELD(dsph_rsmp_coef, fine, 132, 132),
+    DSP_FIELD(dsph_rsmp_coef, skip_in, 136, 136),
+    DSP_FIELD(dsph_rsmp_coef, skip_out, 140, 140),
+    {"sizeof(dspfh_rsmp_state)", sizeof(dspfh_rsmp_state), 116, 168},
+    {"alignof(dspfh_rsmp_state)", alignof(dspfh_rsmp_state), 4, 8},
+    DSP_FIELD(dspfh_rsmp_state, stages, 0, 0),
+    DSP_FIELD(dspfh_rsmp_state, stage_history, 4, 8),
+    DSP_FIELD(dspfh_rsmp_state, stage_phase, 8, 16),
+    DSP_FIELD(dspfh_rsmp_state, skip_in, 12, 24),
+    DSP_FIELD(dspfh_rsmp_state, prefilter_history, 16, 32),
+    DSP_FIELD(dspfh_rsmp_state, kernel_history, 40, 64),
+    DSP_FIELD(dspfh_rsmp_state, halfband_history, 64, 96),
+    DSP_FIELD(dspfh_rsmp_state, phase, 88, 128),
+    DSP_FIELD(dspfh_rsmp_state, skip_out, 112, 160),
+    {"sizeof(dsph_rsmp_state)", sizeof(dsph_rsmp_state), 152, 168},
+    {"alignof(dsph_rsmp_state)", alignof(dsph_rsmp_state), 8, 8},
+    DSP_FIELD(dsph_rsmp_state, stages, 0, 0),
+    DSP_FIELD(dsph_rsmp_state, stage_history, 4, 8),
+    DSP_FIELD(dsph_rsmp_state, stage_phase, 8, 16),
+    DSP_FIELD(dsph_rsmp_state, skip_in, 12, 24),
+    DSP_FIELD(dsph_rsmp_state, prefilter_history, 16, 32),
+    DSP_FIELD(dsph_rsmp_state, kernel_history, 48, 64),
+    DSP_FIELD(dsph_rsmp_state, halfband_history, 80, 96),
+    DSP_FIELD(dsph_rsmp_state, phase, 112, 128),
+    DSP_FIELD(dsph_rsmp_state, skip_out, 144, 160),
 };
 // clang-format on
 

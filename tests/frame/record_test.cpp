@@ -37,7 +37,7 @@ struct hook_log {
     }
     static void on_realloc(sig<T> *x, int prev_n, int prev_cplx) {
         ++reallocs, last_prev_n = prev_n, last_prev_cplx = prev_cplx;
-        if (fail) std::free(x->data);  // the test hook does not leak the old block
+        // As realloc: a failure keeps the old block.
         x->data = fail ? nullptr : static_cast<T *>(std::realloc(x->data, bytes(x)));
     }
     static void on_free(sig<T> *x) { ++frees, std::free(x->data); }
@@ -155,9 +155,12 @@ TYPED_TEST(Record, HooksAndFailingAllocation) {
         EXPECT_EQ(H::allocs, 1);
     }
 
-    // A failing allocation leaves nothing owned.
+    // A failing allocation leaves nothing owned; a failed reallocation
+    // releases the old block through the free hook.
     DSP(_lib_realloc)(H::on_realloc, nullptr);
+    DSP(_lib_free)(H::on_free, nullptr);
     Rec<T> f({1, 2}), y({1, 2, 3}), a({1}), b({2, 3});
+    const int frees = H::frees;
     H::fail = true;
     f->n = 10;
     EXPECT_EQ(DSP(_alloc)(&f), -1);
@@ -167,6 +170,7 @@ TYPED_TEST(Record, HooksAndFailingAllocation) {
     EXPECT_EQ(DSP(_append)(&a, &b), -1);
     EXPECT_EQ(a->n, 3);
     for (auto *r : {&f, &y, &a}) EXPECT_TRUE(r->alloc == 0 && r->data == nullptr);
+    EXPECT_EQ(H::frees, frees + 2);
 }
 
 TYPED_TEST(Record, Append) {

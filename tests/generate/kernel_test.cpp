@@ -46,7 +46,7 @@ TYPED_TEST(Kernel, BuildersMatchSeries) {
     }
 }
 
-TYPED_TEST(Kernel, ShapesAndFailures) {
+TYPED_TEST(Kernel, ShapesFailuresAndStoredKernels) {
     using T = TypeParam;
     Rec<T> desc({T(4), T(1), T(2)}), width_only({T(4)}), empty, cdesc({T(4), 0, T(1), 0}, true);
     // One point: only the width; no coefficients: zeros and the width;
@@ -69,11 +69,7 @@ TYPED_TEST(Kernel, ShapesAndFailures) {
     other->n = 4;
     ASSERT_EQ(DSP(c_rsmp_cos)(&other, self.get()), 0);
     EXPECT_OK(DSP(c_rsmp_cos)(&self, self.get()), *self, other.values());
-}
-
-// Each stored kernel is its description through its builder.
-TYPED_TEST(Kernel, StoredKernels) {
-    using T = TypeParam;
+    // Each stored kernel is its description through its builder.
     for (int mode = 0; mode < 5; ++mode) {
         const auto d = dsp::rsmp_stored<T>(mode);
         Rec<T> k, ref, desc(std::vector<T>(d.values, d.values + d.n));

@@ -14,7 +14,7 @@ template <class T>
 class Tone : public ::testing::Test {};
 TYPED_TEST_SUITE(Tone, Precisions);
 
-TYPED_TEST(Tone, MatchesDirectFormula) {
+TYPED_TEST(Tone, ToneAndLineMatchTheirFormulas) {
     using T = TypeParam;
     const int n = 1000000;
     const T delta = T(0.5), freq = T(0.037), phase = T(-2.1);
@@ -58,11 +58,7 @@ TYPED_TEST(Tone, MatchesDirectFormula) {
     const T c0 = T(std::cos(0.7)), s0 = T(std::sin(0.7));
     EXPECT_OK(DSP(c_cexp)(&e, T(0), T(0.7)), *e, {c0, s0, c0, s0}, 1e-6);
     EXPECT_OK(DSP(c_cos)(&e, T(0), T(0.7)), *e, {c0, 0, c0, 0}, 1e-6);
-}
-
-TYPED_TEST(Tone, LineAccumulates) {
-    using T = TypeParam;
-    // Repeated addition of slope delta, which differs from start + k step.
+    // The line: repeated addition of slope delta, which differs from start + k step.
     const T step = T(0.1) * T(0.3);
     Rec<T> r;
     r->n = 5000;

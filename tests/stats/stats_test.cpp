@@ -20,7 +20,7 @@ template <class T>
 class Stats : public ::testing::Test {};
 TYPED_TEST_SUITE(Stats, Precisions);
 
-TYPED_TEST(Stats, SumsAndMeansOfBothKinds) {
+TYPED_TEST(Stats, SumsMeansAndTheLargeValue) {
     using T = TypeParam;
     Rec<T> x({1, 2, 3, 6}), z({1, -1, 2, -2, 6, 0}, true), r, e, ec({}, true);
     EXPECT_OK(DSP(s_sum)(&x, &r), *r, {12});
@@ -37,18 +37,15 @@ TYPED_TEST(Stats, SumsAndMeansOfBothKinds) {
     EXPECT_OK(DSP(s_rms)(&w, &w), w, {5});
     EXPECT_EQ(v, (std::vector<T>{3, 4}));
     DSP(_destroy)(&w);
-}
-
-TYPED_TEST(Stats, SquaresBeyondTheLargeValueAddIt) {
-    using T = TypeParam;
+    // A square beyond the large value L adds L.
     const T L = dsp::precision<T>::large, inf = std::numeric_limits<T>::infinity();
-    Rec<T> x({2 * L, T(0)}), z({3, 4, T(1), -2 * L}, true), r;
-    EXPECT_OK(DSP(s_magsq_sum)(&x, &r), *r, {L});
-    EXPECT_OK(DSP(s_rms)(&x, &r), *r, {T(std::sqrt(double(L / 2)))});
-    EXPECT_OK(DSP(s_magsq_sum)(&z, &r), *r, {L + T(25)});
+    Rec<T> g({2 * L, T(0)}), gz({3, 4, T(1), -2 * L}, true);
+    EXPECT_OK(DSP(s_magsq_sum)(&g, &r), *r, {L});
+    EXPECT_OK(DSP(s_rms)(&g, &r), *r, {T(std::sqrt(double(L / 2)))});
+    EXPECT_OK(DSP(s_magsq_sum)(&gz, &r), *r, {L + T(25)});
     // Infinities are beyond L too; NaN passes through.
-    Rec<T> w({-inf, 1, L}), q({0, std::numeric_limits<T>::quiet_NaN()}, true);
-    EXPECT_OK(DSP(s_magsq_sum)(&w, &r), *r, {L + T(1) + L * L});
+    Rec<T> gi({-inf, 1, L}), q({0, std::numeric_limits<T>::quiet_NaN()}, true);
+    EXPECT_OK(DSP(s_magsq_sum)(&gi, &r), *r, {L + T(1) + L * L});
     ASSERT_EQ(DSP(s_rms)(&q, &r), 0);
     EXPECT_TRUE(std::isnan(r->data[0]));
 }

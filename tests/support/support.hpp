@@ -13,8 +13,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "dsp.h"
-#include "frame/traits.hpp"
+#include "support/precision.hpp"
 
 // The POSIX constants of <cmath>, which strict-standard Windows headers omit.
 #ifndef M_PI
@@ -27,25 +26,6 @@
 namespace dsp_test {
 
 using Precisions = ::testing::Types<float, double>;
-
-template <class T>
-using sig = dsp::signal_t<T>;
-
-template <class T, class F, class D>
-constexpr auto pick(F f, D d) {
-    if constexpr (std::is_same_v<T, float>)
-        return f;
-    else
-        return d;
-}
-
-// The C export of the precision TypeParam: DSP(i_real) is dspfi_real in the
-// single family and dspi_real in the double family.
-#define DSP(x) (::dsp_test::pick<TypeParam>(dspf##x, dsp##x))
-// The raw-array kernels likewise: VFP(_FindMax) is vfps_FindMax or
-// vfpd_FindMax, VFPB(Mul1) vfpsbMul1 or vfpdbMul1.
-#define VFP(x) (::dsp_test::pick<TypeParam>(vfps##x, vfpd##x))
-#define VFPB(x) (::dsp_test::pick<TypeParam>(vfpsb##x, vfpdb##x))
 
 // True when the suite runs under an instruction-set emulator (CTest sets
 // DSP_TEST_EMULATED for the qemu runs of the cross builds): long references
@@ -151,23 +131,31 @@ std::vector<std::complex<long double>> as_points(const std::vector<T> &v, bool c
 
 // The scalars x (complex points when cplx) in blocks of the sizes given
 // (taken in turn; 0 allowed), each run through op(block, result), the result
-// being one record kept across blocks or, for odd-numbered blocks, the block
-// itself (in place); the results' scalars one after the other.
+// being one record kept across blocks or, for odd-numbered blocks when
+// in_place, the block itself; the results' scalars one after the other.
 template <class T, class Op>
-std::vector<T> blockwise(const std::vector<T> &x, bool cplx, std::vector<int> sizes, Op op) {
+std::vector<T> blockwise(const std::vector<T> &x, bool cplx, std::vector<int> sizes, Op op,
+                         bool in_place = true) {
     const size_t c = cplx ? 2 : 1, n = x.size() / c;
     Rec<T> y;
     std::vector<T> out;
     for (size_t at = 0, b = 0; at < n; ++b) {
         const size_t len = std::min(size_t(sizes[b % sizes.size()]), n - at);
         Rec<T> xb(std::vector<T>(x.begin() + c * at, x.begin() + c * (at + len)), cplx);
-        Rec<T> &r = b % 2 ? xb : y;
+        Rec<T> &r = in_place && b % 2 ? xb : y;
         EXPECT_EQ(op(xb.get(), r.get()), 0) << "block " << b << " at " << at;
         const auto v = r.values();
         out.insert(out.end(), v.begin(), v.end());
         at += len;
     }
     return out;
+}
+
+// The next `count` values of `all` from `at` on (advancing `at`), as T.
+template <class T>
+std::vector<T> take(const std::vector<double> &all, size_t &at, size_t count) {
+    at += count;
+    return std::vector<T>(all.begin() + ptrdiff_t(at - count), all.begin() + ptrdiff_t(at));
 }
 
 // Relative tolerance suited to the precision: a few units in the last place.
