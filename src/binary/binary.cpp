@@ -167,6 +167,7 @@ int convolve(const signal_t<T> &a, const signal_t<T> &b, signal_t<T> &out) {
     out.cplx = (ac || bc) ? 1 : 0;
     out.n = (an > 0 && bn > 0) ? int32_t(an + bn - 1) : 0;
     if (alloc<T>(out) != 0 || zero<T>(out) != 0) return -1;
+    if (out.n == 0) return 0;  // an empty factor: an empty product, nothing to sum
     T *z = out.data;
     const T *x = a.data, *y = b.data;
     if (!ac && !bc) {

@@ -439,7 +439,7 @@ int limit(signal_t<T> &x, T a, T b, int *clipped) {
     T flag = T(0);
     for (int64_t i = 0; i < m; ++i) {
         const T v = d[i];
-        flag = (v > hi) | (v < lo) ? T(1) : flag;
+        flag = ((v > hi) | (v < lo)) ? T(1) : flag;
         if constexpr (single<T>) {
             // The single family keeps only hi for samples above the range;
             // every other sample, one inside the range too, becomes lo.

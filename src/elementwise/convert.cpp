@@ -111,7 +111,9 @@ int magsq(signal_t<T> &x) {
         // Point i is written to scalar i after scalars 2i and 2i+1 are read;
         // the write never lands on a scalar still to be read, so the loop
         // carries no dependence and may run in vector blocks.
+#if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC ivdep
+#endif
         for (int64_t i = 0; i < n; ++i) d[i] = clamped_magsq(d[2 * i], d[2 * i + 1]);
     } else {
         T *__restrict r = d;

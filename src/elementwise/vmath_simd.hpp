@@ -186,14 +186,23 @@ DSP_VMATH_INLINE F2 interleave(F1 a, F1 b, std::index_sequence<u...>) {
 #define DSP_VMATH_SHUFFLES 0
 #endif
 
-// Lane t of a vector (the value itself for scalar code).
+// Lane t of a vector (the value itself for scalar code), read and written.
 template <class V>
-DSP_VMATH_INLINE auto &lane(V &x, int t) {
+DSP_VMATH_INLINE auto lane(const V &x, int t) {
     if constexpr (std::is_arithmetic_v<V>) {
         (void)t;
         return x;
     } else {
         return x[t];
+    }
+}
+template <class V, class S>
+DSP_VMATH_INLINE void set_lane(V &x, int t, S v) {
+    if constexpr (std::is_arithmetic_v<V>) {
+        (void)t;
+        x = V(v);
+    } else {
+        x[t] = v;
     }
 }
 
@@ -561,7 +570,7 @@ void magnitude_loop(T *d, int64_t n) {
     constexpr int L = shape<D>::lanes;
     auto block = [&](const T *in, T *out) DSP_VMATH_LAMBDA {
         D re, im;
-        for (int t = 0; t < L; ++t) lane(re, t) = in[2 * t], lane(im, t) = in[2 * t + 1];
+        for (int t = 0; t < L; ++t) set_lane(re, t, in[2 * t]), set_lane(im, t, in[2 * t + 1]);
         D h = hypot_any(re, im);
         for (int t = 0; t < L; ++t) out[t] = T(lane(h, t));
     };
@@ -635,7 +644,7 @@ int64_t db_pairs_loop(float *d, int64_t pairs, float k, float sub) {
         bool low = false;
         for (int t = 0; t < L; ++t) {
             const float v = d[2 * (j + t)];
-            lane(x, t) = v;
+            set_lane(x, t, v);
             low |= !(v >= float(F));
         }
         if (low) break;
