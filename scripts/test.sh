@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds and runs the whole test suite:
 #   release   Release build with warnings as errors
-#   sanitize  build under AddressSanitizer and UndefinedBehaviorSanitizer that
-#             stops at the first finding
+#   sanitize  clang build under AddressSanitizer and UndefinedBehaviorSanitizer
+#             that stops at the first finding; it also holds the fuzz harnesses
 #   fuzz      each libFuzzer harness for DSP_FUZZ_SECONDS (default 10) seconds
 #   arm32     cross build for 32-bit ARM hard-float, suite under qemu-arm
 #   armv6     the same for an ARMv6 core with VFPv2 (arm1176jzf-s), whose
@@ -50,10 +50,13 @@ for build in "${builds[@]}"; do
     echo "== $build"
     case $build in
     release) run release -DCMAKE_BUILD_TYPE=Release -DDSP_BUILD_BENCH=ON ;;
+    # One clang build under the sanitizers serves the suite and the fuzz
+    # harnesses (scripts/fuzz.sh configures build/sanitize the same way).
     sanitize)
         export ASAN_OPTIONS=halt_on_error=1:abort_on_error=1:detect_leaks=1:strict_string_checks=1
         export UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
-        run sanitize -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDSP_SANITIZE=ON ;;
+        CC=clang CXX=clang++ run sanitize -DCMAKE_BUILD_TYPE=RelWithDebInfo -DDSP_SANITIZE=ON \
+            -DDSP_BUILD_FUZZ=ON -DBUILD_SHARED_LIBS=OFF ;;
     fuzz) scripts/fuzz.sh "${DSP_FUZZ_SECONDS:-10}" ;;
     arm32) cross arm32 cmake/arm-linux-gnueabihf.cmake ;;
     # The VFP short-vector path (ARMv6, VFPv2); qemu's arm1176 cannot run
