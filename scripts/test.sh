@@ -10,15 +10,19 @@
 #   arm64     cross build for 64-bit ARM, suite under qemu-aarch64
 #   mingw     Windows build (dsp.dll, import library, export check), suite
 #             under Wine
-# Without arguments (what CI runs): release, sanitize, fuzz and arm32. "all"
-# runs every build; build names run only those (scripts/test.sh arm32).
+#   armv6-quick, mingw-quick  the same builds with the suite cut to the
+#             floating-point control, trace kernels and records (tests/vfp,
+#             tests/frame): what the processor or platform changes
+# Without arguments (what CI runs, within its time): release, sanitize, fuzz,
+# arm32, arm64, armv6-quick and mingw-quick. "all" runs the full suite in
+# every build; build names run only those (scripts/test.sh arm32).
 # Build directories under build/ are kept and reused.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 jobs=$(nproc)
 builds=("$@")
-[ ${#builds[@]} -eq 0 ] && builds=(release sanitize fuzz arm32)
+[ ${#builds[@]} -eq 0 ] && builds=(release sanitize fuzz arm32 arm64 armv6-quick mingw-quick)
 [ "${builds[*]}" = all ] && builds=(release sanitize fuzz arm32 armv6 arm64 mingw)
 
 # Configures, builds and tests build/NAME with the given cmake arguments;
@@ -48,6 +52,8 @@ cross() {
 
 for build in "${builds[@]}"; do
     echo "== $build"
+    subset=(-DDSP_TEST_SUBSET=)
+    [[ $build == *-quick ]] && subset=(-DDSP_TEST_SUBSET="frame;vfp")
     case $build in
     release) run release -DCMAKE_BUILD_TYPE=Release -DDSP_BUILD_BENCH=ON ;;
     # One clang build under the sanitizers serves the suite and the fuzz
@@ -61,9 +67,11 @@ for build in "${builds[@]}"; do
     arm32) cross arm32 cmake/arm-linux-gnueabihf.cmake ;;
     # The VFP short-vector path (ARMv6, VFPv2); qemu's arm1176 cannot run
     # Debian's ARMv7 Thumb-2 runtime, Cortex-A8 runs both and has the mode.
-    armv6) cross armv6 cmake/arm-linux-gnueabihf.cmake -DDSP_TARGET_FLAGS="-marm -mcpu=arm1176jzf-s -mfpu=vfp -mfloat-abi=hard" -DDSP_QEMU_CPU=cortex-a8 ;;
+    armv6 | armv6-quick)
+        cross "$build" cmake/arm-linux-gnueabihf.cmake -DDSP_QEMU_CPU=cortex-a8 \
+            -DDSP_TARGET_FLAGS="-marm -mcpu=arm1176jzf-s -mfpu=vfp -mfloat-abi=hard" "${subset[@]}" ;;
     arm64) cross arm64 cmake/aarch64-linux-gnu.cmake ;;
-    mingw) cross mingw cmake/x86_64-w64-mingw32.cmake ;;
+    mingw | mingw-quick) cross "$build" cmake/x86_64-w64-mingw32.cmake "${subset[@]}" ;;
     *) echo "unknown build: $build" >&2; exit 2 ;;
     esac
 done
