@@ -42,6 +42,19 @@ extern "C" {
  * number of scalars the record owns at `data`; 0 or less means the storage
  * belongs to the caller and is never freed, reallocated or written by the
  * library's sizing. Storage only grows.
+ *
+ * The layout is fixed, for callers that declare or allocate records
+ * themselves (byte offsets; the test RecordLayout checks them):
+ *
+ *                                delta data alloc  n  cplx reserved  size align
+ *   dspf_signal  32-bit ARM        0     4     8  12   16     20      24    4
+ *                64-bit (x86-64,   0     8    16  20   24     28      32    8
+ *                AArch64, Win64)
+ *   dsp_signal   32-bit ARM        0     8    12  16   20     24      32    8
+ *                64-bit            0     8    16  20   24     28      32    8
+ *
+ * On 32-bit ARM, doubles are aligned to 8 bytes: dsp_signal's data follows
+ * its delta at offset 8 and the record ends with 4 bytes of padding.
  */
 typedef struct {
     float delta;     /* sample spacing; 1.0 after init */
@@ -862,6 +875,28 @@ DSP_API int dspd_rsmp2(const dsp_signal *x, dsp_signal *y, int mode, int kernel_
  * Streaming resampler
  * ------------------------------------------------------------------------ */
 
+/*
+ * The resampler records' layout (byte offsets; RecordLayout checks them):
+ *
+ *   coef            halfband _odd prefilter _odd kernel mode ratio stages fine
+ *                                               skip_in skip_out  size align
+ *   dspfh  ARM32        0     24     28     52    56     80   84    88    92
+ *                                                   96      100    104    4
+ *          64-bit       0     32     40     72    80    112  116   120   124
+ *                                                  128      132    136    8
+ *   dsph   both         0     32     40     72    80    112  120   128   132
+ *                                                  136      140    144    8
+ *
+ *   state           stages stage_history stage_phase skip_in prefilter_history
+ *                   kernel_history halfband_history phase skip_out  size align
+ *   dspfh  ARM32      0        4           8          12        16
+ *                       40           64          88      112     116    4
+ *          64-bit     0        8          16          24        32
+ *                       64           96         128      160     168    8
+ *   dsph   ARM32      0        4           8          12        16
+ *                       48           80         112      144     152    8
+ *          64-bit     as dspfh_rsmp_state                        168    8
+ */
 /* Constant data of the streaming resampler (fields in this order). */
 typedef struct {
     dspf_signal halfband;  /* first half of the half-band filter (stored set 101) */

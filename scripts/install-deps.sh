@@ -6,7 +6,11 @@ set -euo pipefail
 packages=(cmake g++ make pkg-config libgtest-dev libbenchmark-dev
           python3-numpy python3-scipy python3-cffi python3-pytest python3-matplotlib
           python3-setuptools python3-venv libfftw3-dev libkissfft-dev libliquid-dev
-          libsamplerate0-dev libsoxr-dev clang libclang-rt-14-dev)
+          libsamplerate0-dev libsoxr-dev clang libclang-rt-14-dev
+          # cross builds: ARM under qemu-user, Windows under Wine; GoogleTest
+          # sources to build it with each cross compiler
+          googletest g++-arm-linux-gnueabihf g++-aarch64-linux-gnu qemu-user
+          g++-mingw-w64-x86-64 wine64)
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")

@@ -1,7 +1,5 @@
 #include "elementwise/arith.hpp"
 
-#include <math.h>  // y0, y1 (Bessel functions of the second kind)
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -423,12 +421,12 @@ int besi0(signal_t<T> &x) {
 
 template <class T>
 int besy0(signal_t<T> &x) {
-    return real_only<T>(x, [](T v) { return v <= T(0) ? T(0) : T(::y0(double(v))); });
+    return real_only<T>(x, [](T v) { return v <= T(0) ? T(0) : rt::y0(v); });
 }
 
 template <class T>
 int besy1(signal_t<T> &x) {
-    return real_only<T>(x, [](T v) { return v <= T(0) ? T(0) : T(::y1(double(v))); });
+    return real_only<T>(x, [](T v) { return v <= T(0) ? T(0) : rt::y1(v); });
 }
 
 template <class T>

@@ -48,6 +48,20 @@ inline uint32_t reverse(uint32_t i, int bits) {
     return bits ? i >> (32 - bits) : 0;
 }
 
+// Functions and lambdas of the unrolled code are always inlined, so that the
+// arrays of vectors they work on stay in registers.
+#define DSP_FFT_INLINE inline __attribute__((always_inline))
+#define DSP_FFT_LAMBDA __attribute__((always_inline))
+
+// f(integral_constant<int, i>) for i = 0 .. N-1, unrolled.
+template <int N, class F>
+DSP_FFT_INLINE void static_for(F &&f) {
+    [&]<std::size_t... i>(std::index_sequence<i...>) DSP_FFT_LAMBDA {
+        (f(std::integral_constant<int, int(i)>{}), ...);
+    }
+    (std::make_index_sequence<std::size_t(N)>{});
+}
+
 #if DSP_FFT_VECTORS
 // Vector types of each width.
 template <class T, int W>
@@ -98,19 +112,6 @@ inline vec high_(vec a, vec b, std::index_sequence<t...>) {
     return __builtin_shufflevector(a, b, int((t & h) ? N + t : t + h)...);
 }
 
-// Functions and lambdas of the unrolled code are always inlined, so that the
-// arrays of vectors they work on stay in registers.
-#define DSP_FFT_INLINE inline __attribute__((always_inline))
-#define DSP_FFT_LAMBDA __attribute__((always_inline))
-
-// f(integral_constant<int, i>) for i = 0 .. N-1, unrolled.
-template <int N, class F>
-DSP_FFT_INLINE void static_for(F &&f) {
-    [&]<std::size_t... i>(std::index_sequence<i...>) DSP_FFT_LAMBDA {
-        (f(std::integral_constant<int, int(i)>{}), ...);
-    }
-    (std::make_index_sequence<std::size_t(N)>{});
-}
 
 constexpr uint32_t reverse_const(uint32_t i, int bits) {
     uint32_t r = 0;

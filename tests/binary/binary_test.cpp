@@ -178,6 +178,7 @@ TYPED_TEST(Binary, PolynomialProductIsTheLinearConvolution) {
             in.insert(in.end(), {double(z.real()), double(z.imag())});
         }
     }
+    DSP_NEED_PYTHON();
     const auto want = python(
         "z = (x[0::2] + 1j * x[1::2]).reshape(4, 32)\n"
         "for a in z:\n"

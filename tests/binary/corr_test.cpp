@@ -12,6 +12,7 @@ class Corr : public ::testing::Test {};
 TYPED_TEST_SUITE(Corr, Precisions);
 
 TYPED_TEST(Corr, LagsOfTheLinearCorrelation) {
+    DSP_NEED_PYTHON();
     using T = TypeParam;
     // Every case in turn: n, lags, the kinds of x and y and their scalars.
     auto each = [](auto f) {

@@ -62,6 +62,7 @@ TYPED_TEST(CircleFit, CentresOfCircles) {
 }
 
 TEST(CircularInterpolation, MatchesNumpyAndRefusesBadInput) {
+    DSP_NEED_PYTHON();
     // Random reflections (points 5 to 7 collinear, 9 to 11 nearly) at uneven frequencies,
     // queried at random frequencies and then at the data frequencies; numpy
     // fits each circle by solving for x^2 + y^2 + Dx + Ey + F = 0.

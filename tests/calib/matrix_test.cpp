@@ -68,6 +68,7 @@ TEST(Matrix, SharingExceptionsAndMessages) {
 }
 
 TEST(Matrix, ProductAndInverseMatchNumpy) {
+    DSP_NEED_PYTHON();
     // numpy draws complex operands for the products (rows, inner, cols) and
     // the inverses (n) and prints each with its result.
     const std::vector<double> shapes = {1, 1, 1, 3, 2, 4, 4, 4, 4, 7, 5, 3, 16, 9, 11},

@@ -139,8 +139,11 @@ TYPED_TEST(VectorMath, MatchesRuntime) {
         auto exact = [&](long double k) {
             return each(logs, [&](T x) { return x < F ? T(k) * lgF : T(k * log10l(x)); });
         };
-        expect_close<T>(logs, exact(1), false, DSP(i_log10), "log10");
-        expect_close<T>(logs, exact(-20), false, db, "db");
+        // Where long double is double (32-bit ARM) the "long-double" value is
+        // the runtime's own, and two units are allowed there as well.
+        const int64_t units = sizeof(long double) > sizeof(double) ? 1 : 2;
+        expect_close<T>(logs, exact(1), false, DSP(i_log10), "log10", units);
+        expect_close<T>(logs, exact(-20), false, db, "db", units);
         expect_close<T>(logs, each(logs, [&](T x) { return x < F ? lgF : rt<T>(std::log10, x); }),
                         false, DSP(i_log10), "log10", 2);
     } else {  // (the single family's decibel walk is tested below)

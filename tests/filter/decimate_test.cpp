@@ -49,6 +49,7 @@ TYPED_TEST(Decimate, PhaseCarriesAcrossBlocks) {
 }
 
 TYPED_TEST(Decimate, HalfBandAgainstFourLfilterStages) {
+    DSP_NEED_PYTHON();
     using T = TypeParam;
     const int n = 400;
     const auto re = uniform<T>(n, 1), im = uniform<T>(n, 2);

@@ -16,6 +16,7 @@ TYPED_TEST_SUITE(Interp, Precisions);
 // nine knots, at positions on, between and beyond the knots; the second
 // derivatives of the splines.
 TYPED_TEST(Interp, AgainstScipy) {
+    DSP_NEED_PYTHON();
     using T = TypeParam;
     const double tol = std::is_same_v<T, float> ? 1e-5 : 1e-12;
     std::vector<T> y = uniform<T>(18, 7), xs(9), pos;

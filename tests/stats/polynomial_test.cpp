@@ -40,6 +40,7 @@ TYPED_TEST_SUITE(Polynomial, Precisions);
 // Lines through the time axis and through an x record against
 // scipy.stats.linregress, in place; two points, a constant record, failures.
 TYPED_TEST(Polynomial, LinesAgainstScipy) {
+    DSP_NEED_PYTHON();
     using T = TypeParam;
     const double tol = std::is_same_v<T, float> ? 2e-5 : 1e-12;
     std::vector<double> all;
@@ -76,6 +77,7 @@ TYPED_TEST(Polynomial, LinesAgainstScipy) {
 // (reversed: the library lists x^0 first), their values by peval against
 // np.polyval (in place for the complex ones), singular and short fits.
 TYPED_TEST(Polynomial, FitsAndValuesAgainstNumpy) {
+    DSP_NEED_PYTHON();
     using T = TypeParam;
     const double tol = std::is_same_v<T, float> ? 2e-5 : 1e-11;
     std::vector<double> all;  // per case 2n scalars of complex x, then of y
@@ -127,6 +129,7 @@ TYPED_TEST(Polynomial, FitsAndValuesAgainstNumpy) {
 // square: their fit misses by over 1e-6 where the least-squares residual is
 // 3e-8. The QR solution gives numpy's fitted values to 1e-9.
 TEST(PolynomialDouble, ClusteredFitHoldsWhereNormalEquationsFail) {
+    DSP_NEED_PYTHON();
     std::vector<double> xs, ys;
     for (int k = 0; k < 40; ++k) {
         xs.push_back(10 + k / 39.0);
@@ -149,6 +152,7 @@ TEST(PolynomialDouble, ClusteredFitHoldsWhereNormalEquationsFail) {
 // pairs; random real and complex polynomials against np.roots; roots at 0;
 // coefficients back from the roots.
 TYPED_TEST(Polynomial, RootsAndCoefficients) {
+    DSP_NEED_PYTHON();
     using T = TypeParam;
     // (x - 1)^3 (x + 2) (x^2 + 1) (x^2 + 2x + 5), built from its roots.
     Rec<T> p({1, 0, 1, 0, 1, 0, -2, 0, 0, 1, 0, -1, -1, 2, -1, -2}, true);

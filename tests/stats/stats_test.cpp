@@ -193,6 +193,7 @@ TEST(StatsDouble, MomentsMedianAndHistogramAgreeWithScipy) {
         auto v = uniform<double>(n, unsigned(n) + 5, 0.6, 1.6);
         all.insert(all.end(), v.begin(), v.end());
     }
+    DSP_NEED_PYTHON();
     const auto want = python(
         "import scipy.stats as st\nat = 0\n"
         "for n in (2, 7, 2048, 2049, 5000):\n"

@@ -76,9 +76,12 @@ namespace {
 
 constexpr size_t offset = 16;
 
+// The bytes of x's storage and the offset; a size beyond the address space
+// (a 32-bit one) gives SIZE_MAX, which no allocation satisfies.
 template <class T>
 size_t bytes(const sig<T> *x) {
-    return size_t(x->cplx ? 2 * int64_t(x->n) : x->n) * sizeof(T) + offset;
+    const uint64_t b = uint64_t(x->cplx ? 2 * int64_t(x->n) : x->n) * sizeof(T) + offset;
+    return b > SIZE_MAX ? SIZE_MAX : size_t(b);
 }
 template <class T>
 T *inside(void *b) {

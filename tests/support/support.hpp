@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <cstdlib>
 #include <initializer_list>
 #include <random>
 #include <type_traits>
@@ -14,9 +15,22 @@
 
 #include "support/precision.hpp"
 
+// The POSIX constants of <cmath>, which strict-standard Windows headers omit.
+#ifndef M_PI
+#define M_PI 3.14159265358979323846
+#endif
+#ifndef M_PIl
+#define M_PIl 3.141592653589793238462643383279502884L
+#endif
+
 namespace dsp_test {
 
 using Precisions = ::testing::Types<float, double>;
+
+// True when the suite runs under an instruction-set emulator (CTest sets
+// DSP_TEST_EMULATED for the qemu runs of the cross builds): long references
+// are then cut down, with a note of what was left out.
+inline bool emulated() { return std::getenv("DSP_TEST_EMULATED") != nullptr; }
 
 // A record the test owns; destroyed through the library at scope exit.
 template <class T>

@@ -47,6 +47,7 @@ TYPED_TEST(Trace, MultiplyAndScale) {
 }
 
 TYPED_TEST(Trace, ScaleToIntRoundedMatchesNumpy) {
+    DSP_NEED_PYTHON();
     using T = TypeParam;
     // Per case lo, hi, ilo, ihi: random values in [-1, 1), values on ties
     // and values beyond the range (clamped at 0, -5 and INT32_MAX); numpy
@@ -116,6 +117,7 @@ TYPED_TEST(Trace, Extremes) {
 }
 
 TYPED_TEST(Trace, AxesMatchNumpy) {
+    DSP_NEED_PYTHON();
     using T = TypeParam;
     const std::vector<double> cases = {2, 0.5, 5, 3, 1, 100, 7, 0.25, 1e4, 101, 1e6, 3e9, 50, 9, 2};
     const auto ref = python(

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Runs the demonstration program and checks the frequency, level and noise
 # density it prints against expected values and tolerances.
-#   check_demo.sh DEMO FREQ FTOL LEVEL LTOL DENSITY DTOL [demo arguments...]
+#   check_demo.sh FREQ FTOL LEVEL LTOL DENSITY DTOL -- [EMULATOR...] DEMO [demo arguments...]
 set -euo pipefail
-demo=$1 freq=$2 ftol=$3 level=$4 ltol=$5 density=$6 dtol=$7
-shift 7
-out=$("$demo" "$@")
+freq=$1 ftol=$2 level=$3 ltol=$4 density=$5 dtol=$6
+shift 6
+[ "${1:-}" = -- ] && shift
+out=$("$@")
 echo "$out"
 echo "$out" | awk -v f="$freq" -v ft="$ftol" -v l="$level" -v lt="$ltol" -v d="$density" -v dt="$dtol" '
     function off(x, want, tol) { return x == "" || x - want > tol || want - x > tol }

@@ -161,6 +161,7 @@ TYPED_TEST(WindowGenerate, AgainstScipy) {
     // width p, symmetric, unit peak.
     const int nf = 31;
     const double p = 0.1, beta = 0.1102 * (7.95 + 14.36 * (nf - 1) * p - 8.7);
+    DSP_NEED_PYTHON();
     const std::vector<double> ref = python(R"(
 import scipy.signal.windows as w
 out = []

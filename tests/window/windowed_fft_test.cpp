@@ -122,6 +122,7 @@ TYPED_TEST(WindowedSpectrum, RawArrayEntryPoints) {
 // index 0 and the padding into the middle; the level is that of n points.
 // dspfh_fft pads to the next power of two, dspfh_dft to any length.
 TYPED_TEST(WindowedSpectrum, BothTransformsAgainstNumpy) {
+    DSP_NEED_PYTHON();
     using T = TypeParam;
     const double tol = std::is_same_v<T, float> ? 2e-5 : 1e-12;
     // n, cplx, length (0: none given), fft
@@ -181,6 +182,7 @@ TYPED_TEST(WindowedSpectrum, BothTransformsAgainstNumpy) {
 // complex records, both scalings, with and without the segment means
 // removed, even and odd segments, and the periodogram of one segment.
 TYPED_TEST(WindowedSpectrum, AveragedAgainstScipyWelch) {
+    DSP_NEED_PYTHON();
     using T = TypeParam;
     struct Case {
         int n, cplx, segment, overlap, flags;
