@@ -10,11 +10,14 @@
 #   arm64     cross build for 64-bit ARM, suite under qemu-aarch64
 #   mingw     Windows build (dsp.dll, import library, export check), suite
 #             under Wine
-#   armv6-quick, mingw-quick  the same builds with the suite cut to the
-#             floating-point control, trace kernels and records (tests/vfp,
-#             tests/frame): what the processor or platform changes
-# Without arguments (what CI runs, within its time): release, sanitize, fuzz
-# and arm32. "all" runs the full suite in
+#   armv6-quick  the ARMv6 build with the suite cut to the floating-point
+#             control, trace kernels and record layouts (tests/vfp,
+#             tests/frame/layout_test.cpp): what that core changes
+#   mingw-quick  the Windows build (DLL, import library, export checks) with
+#             the suite cut to tests/frame and tests/vfp under Wine: records,
+#             allocation, failure paths, floating-point control
+# Without arguments (what CI runs, within its time): release, sanitize, fuzz,
+# arm32, arm64, armv6-quick and mingw-quick. "all" runs the full suite in
 # every build; build names run only those (scripts/test.sh arm32).
 # Build directories under build/ are kept and reused.
 set -euo pipefail
@@ -22,7 +25,7 @@ cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 jobs=$(nproc)
 builds=("$@")
-[ ${#builds[@]} -eq 0 ] && builds=(release sanitize fuzz arm32)
+[ ${#builds[@]} -eq 0 ] && builds=(release sanitize fuzz arm32 arm64 armv6-quick mingw-quick)
 [ "${builds[*]}" = all ] && builds=(release sanitize fuzz arm32 armv6 arm64 mingw)
 
 # Configures, builds and tests build/NAME with the given cmake arguments;
@@ -52,8 +55,10 @@ cross() {
 
 for build in "${builds[@]}"; do
     echo "== $build"
+    start=$SECONDS
     subset=(-DDSP_TEST_SUBSET=)
-    [[ $build == *-quick ]] && subset=(-DDSP_TEST_SUBSET="frame;vfp")
+    [ "$build" = armv6-quick ] && subset=(-DDSP_TEST_SUBSET="vfp;frame/layout_test.cpp")
+    [ "$build" = mingw-quick ] && subset=(-DDSP_TEST_SUBSET="frame;vfp")
     case $build in
     release) run release -DCMAKE_BUILD_TYPE=Release -DDSP_BUILD_BENCH=ON ;;
     # One clang build under the sanitizers serves the suite and the fuzz
@@ -74,4 +79,5 @@ for build in "${builds[@]}"; do
     mingw | mingw-quick) cross "$build" cmake/x86_64-w64-mingw32.cmake "${subset[@]}" ;;
     *) echo "unknown build: $build" >&2; exit 2 ;;
     esac
+    echo "== $build: $((SECONDS - start)) s"
 done

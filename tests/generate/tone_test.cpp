@@ -16,7 +16,7 @@ TYPED_TEST_SUITE(Tone, Precisions);
 
 TYPED_TEST(Tone, ToneAndLineMatchTheirFormulas) {
     using T = TypeParam;
-    const int n = 1000000;
+    const int n = std::min(1000000, reference_reach(100000));
     const T delta = T(0.5), freq = T(0.037), phase = T(-2.1);
     // The step w in the precision of the family; point k is at phase + w k.
     const T w = (delta + delta) * dsp::precision<T>::pi * freq;

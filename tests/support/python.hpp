@@ -56,7 +56,9 @@ inline std::vector<double> python(const std::string &script, const std::vector<d
            << "np.set_printoptions(precision=17, threshold=sys.maxsize)\n"
            << script << '\n';
     }
-    const std::string cmd = std::string(DSP_PYTHON) + " " + py_path + " " + in_path;
+    std::ostringstream command;
+    command << DSP_PYTHON << ' ' << py_path << ' ' << in_path;
+    const std::string cmd = command.str();
     std::string out;
     if (FILE *p = popen(cmd.c_str(), "r")) {
         char buf[4096];

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "support/precision.hpp"
 
@@ -14,15 +15,24 @@ void *__real_realloc(void *, size_t);
 void __real_free(void *);
 }
 
+// The seam's state is per thread. MinGW keeps thread-local variables in
+// blocks it allocates on first use, through the very malloc wrapped here:
+// there the state is shared by the threads (the suite runs on one).
+#if defined(_WIN32)
+#define DSP_SEAM_LOCAL
+#else
+#define DSP_SEAM_LOCAL thread_local
+#endif
+
 namespace dsp_test::seam {
 
 namespace {
 
-thread_local bool armed = false;
-thread_local long count = 0, fail_number = 0;
-thread_local size_t size_limit = SIZE_MAX;
-thread_local bool failed = false;
-thread_local bool tracking = false;
+DSP_SEAM_LOCAL bool armed = false;
+DSP_SEAM_LOCAL long count = 0, fail_number = 0;
+DSP_SEAM_LOCAL size_t size_limit = SIZE_MAX;
+DSP_SEAM_LOCAL bool failed = false;
+DSP_SEAM_LOCAL bool tracking = false;
 // Every block starts with this byte in every position, so that storage a
 // call leaves unwritten compares equal between runs.
 constexpr int fill = 0xa5;
@@ -55,9 +65,29 @@ bool fails(size_t n) {
     return fail;
 }
 
+// The usable size of a block of the system allocator.
+size_t usable(void *p) {
+#if defined(_WIN32)
+    return _msize(p);
+#else
+    return malloc_usable_size(p);
+#endif
+}
+
 }  // namespace
 
 void arm(long fail_at, size_t limit, bool track) {
+    // The C++ runtime sets up a thread's exception state at its first throw
+    // and keeps it (under MinGW in a block from malloc): set up before any
+    // allocation is counted.
+    static const bool runtime_ready = [] {
+        try {
+            throw std::bad_alloc();
+        } catch (const std::bad_alloc &) {
+        }
+        return true;
+    }();
+    (void)runtime_ready;
     count = 0, fail_number = fail_at, size_limit = limit, failed = false, armed = true;
     tracking = track;
 }
@@ -134,7 +164,7 @@ extern "C" {
 void *__wrap_malloc(size_t n) {
     if (fails(n)) return nullptr;
     void *p = __real_malloc(n);
-    if (p) std::memset(p, fill, malloc_usable_size(p));
+    if (p) std::memset(p, fill, usable(p));
     if (tracking) remember(p);
     return p;
 }
@@ -152,9 +182,9 @@ void *__wrap_realloc(void *p, size_t n) {
     if (fails(n)) return nullptr;
     void *q = __real_malloc(n);
     if (!q) return nullptr;
-    std::memset(q, fill, malloc_usable_size(q));
+    std::memset(q, fill, usable(q));
     if (p) {
-        const size_t old = malloc_usable_size(p);
+        const size_t old = usable(p);
         std::memcpy(q, p, old < n ? old : n);
         __real_free(p);
     }

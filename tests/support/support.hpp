@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
+#include <limits>
 #include <random>
 #include <type_traits>
 #include <vector>
@@ -31,6 +33,25 @@ using Precisions = ::testing::Types<float, double>;
 // DSP_TEST_EMULATED for the qemu runs of the cross builds): long references
 // are then cut down, with a note of what was left out.
 inline bool emulated() { return std::getenv("DSP_TEST_EMULATED") != nullptr; }
+
+// Under an emulator whose long double is a software type (AArch64's 128-bit
+// format) a long-double reference costs about a hundred times more: sweeps
+// against one stop at `longest` points there (reference_reach gives the
+// limit); within_reference_reach returns the sizes kept and prints how many
+// were left out.
+inline int reference_reach(int longest = 1024) {
+    const bool software = std::numeric_limits<long double>::digits > 64;
+    return emulated() && software ? longest : std::numeric_limits<int>::max();
+}
+inline std::vector<int> within_reference_reach(std::vector<int> sizes, int longest = 1024) {
+    const int reach = reference_reach(longest);
+    const auto kept = std::remove_if(sizes.begin(), sizes.end(), [&](int n) { return n > reach; });
+    if (kept == sizes.end()) return sizes;
+    std::printf("%zu lengths above %d left out: long double is a software type here\n",
+                size_t(sizes.end() - kept), longest);
+    sizes.erase(kept, sizes.end());
+    return sizes;
+}
 
 // A record the test owns; destroyed through the library at scope exit.
 template <class T>
