@@ -66,18 +66,15 @@ TYPED_TEST(Differences, EdgeCrossings) {
     const V want[4] = {{}, {1.5, 7.5}, {4.5}, {1.5, 4.5, 7.5}};  // delta 3
     for (int flags = 0; flags < 4; ++flags) {
         Rec<T> r({0, 2, 0, 2}, false, T(3));
-        EXPECT_EQ(DSP(i_edge)(&r, flags, T(1)), 0);
-        EXPECT_EQ(r.values(), want[flags]);
+        EXPECT_OK(DSP(i_edge)(&r, flags, T(1)), *r, want[flags]);
         EXPECT_EQ(r->delta, T(1));
     }
     // A sample at the level: rising needs p <= level < q, falling p >= level > q.
     auto both = [](sig<T> *s) { return DSP(i_edge)(s, 3, T(1)); };
     EXPECT_EQ(applied<T>({1, 1, 2, 1, 1, 0}, false, both), (V{1, 4}));
     EXPECT_EQ(applied<T>({0, 1, 2, 3}, true, both, T(2), -1), (V{0, 1, 2, 3}));
-    Rec<T> e;
-    e->delta = T(2);
-    EXPECT_EQ(both(e.get()), 0);
-    EXPECT_EQ(e->delta, T(2));
+    Rec<T> e({}, false, T(2));  // empty: the spacing stays
+    EXPECT_TRUE(both(e.get()) == 0 && e->n == 0 && e->delta == T(2));
 }
 
 TYPED_TEST(Differences, UnwrapPlainAndWindowed) {
