@@ -297,14 +297,15 @@ print(*np.array([interp(v) for v in q]).view(float))
     // Refused, nothing written: no points, a negative count, frequencies
     // not increasing or NaN, queries outside the range or NaN. One point
     // answers at its own frequency only; no queries: nothing to do.
-    const double nan = NAN, down[] = {1, 3, 2}, flat[] = {1, 2, 2}, bad[] = {1, nan, 3},
+    // (The bad frequencies are queried at 2, within their own first and last.)
+    const double nan = NAN, down[] = {1, 3, 2}, flat[] = {1, 2, 2}, bad[] = {1, nan, 3}, two = 2,
                  outside[] = {f[0] - 1e-9, f[n - 1] * (1 + 1e-15), nan}, *fp = f.data();
     std::vector<double> r(4, 9.0);
     for (auto [freq, count, q, queries] : {std::tuple{fp, 0, fp, 1},
                                            {fp, n, fp, -1},
-                                           {down, 3, fp, 1},
-                                           {flat, 3, fp, 1},
-                                           {bad, 3, fp, 1},
+                                           {down, 3, &two, 1},
+                                           {flat, 3, &two, 1},
+                                           {bad, 3, &two, 1},
                                            {fp, n, outside, 1},
                                            {fp, n, outside + 1, 1},
                                            {fp, n, outside + 2, 1},
