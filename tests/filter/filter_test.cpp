@@ -185,7 +185,8 @@ TYPED_TEST(Fir, TransformCacheKeyIsSharedByBothKinds) {
     for (int ma : {35, 36}) {
         ASSERT_EQ(DSP(_free_internal)(), 0);
         const std::vector<T> am(a.begin(), a.begin() + ma);
-        EXPECT_EQ(filter(xc, am) | filter(x, b), 0);
+        EXPECT_EQ(filter(xc, am), 0);
+        EXPECT_EQ(filter(x, b), 0);
         EXPECT_EQ(filter(xc, b), ma == 36 ? 0 : -1);
         auto want = convolve(as_points(cv, true), as_points(am, false));
         const auto head = convolve(as_points(cv, true), as_points(b, false));
@@ -195,7 +196,8 @@ TYPED_TEST(Fir, TransformCacheKeyIsSharedByBothKinds) {
     // Below 46 taps a real block goes direct and leaves no key behind.
     const std::vector<T> b45(b.begin(), b.begin() + 45);
     ASSERT_EQ(DSP(_free_internal)(), 0);
-    EXPECT_EQ(filter(x, b45) | filter(xc, b45), 0);
+    EXPECT_EQ(filter(x, b45), 0);
+    EXPECT_EQ(filter(xc, b45), 0);
     // A block needing another transform length than the cached spectrum's.
     ASSERT_EQ(DSP(_free_internal)(), 0);
     EXPECT_EQ(filter(x, b), 0);
