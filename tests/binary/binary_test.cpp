@@ -1,5 +1,8 @@
+// Operations on two records: elementwise arithmetic and extremes, the
+// polynomial product, dot product and correlation.
 #include <complex>
 #include <functional>
+#include <tuple>
 
 #include "support/python.hpp"
 #include "support/support.hpp"
@@ -9,9 +12,6 @@ using namespace dsp_test;
 namespace {
 
 using cld = std::complex<long double>;
-
-template <class T>
-using BinFn = std::function<int(const sig<T> *, const sig<T> *, sig<T> *)>;
 
 // Point i of a record given as scalars, as a complex value.
 template <class T>
@@ -30,41 +30,37 @@ TYPED_TEST_SUITE(Binary, Precisions);
 // a caller's array (which must stay unwritten).
 TYPED_TEST(Binary, EveryOperationEveryKindAndInPlace) {
     using T = TypeParam;
+    using Fn = std::function<int(const sig<T> *, const sig<T> *, sig<T> *)>;
     const T w = T(0.25);
-    struct Case {
-        const char *name;
-        BinFn<T> fn;
-        std::function<cld(cld, cld)> ref;  // null: checked elsewhere
-    };
-    const std::vector<Case> cases = {
+    // Each operation with its long-double reference (none: max and min,
+    // whose choice of point is checked on its own).
+    const std::vector<std::tuple<const char *, Fn, std::function<cld(cld, cld)>>> cases = {
         {"add", DSP(b_add), [](cld a, cld b) { return a + b; }},
         {"sub", DSP(b_sub), [](cld a, cld b) { return a - b; }},
         {"mul", DSP(b_mul), [](cld a, cld b) { return a * b; }},
         {"div", DSP(b_div), [](cld a, cld b) { return a / b; }},
         {"conj_mul", DSP(b_conj_mul), [](cld a, cld b) { return a * std::conj(b); }},
-        {"avg_add",
-         [w](const sig<T> *a, const sig<T> *b, sig<T> *r) { return DSP(b_avg_add)(a, b, r, w); },
+        {"avg_add", [w](auto a, auto b, auto r) { return DSP(b_avg_add)(a, b, r, w); },
          [w](cld a, cld b) { return b + (long double)w * (a - b); }},
         {"max", DSP(b_max), nullptr},
-        {"min", DSP(b_min), nullptr},
-    };
+        {"min", DSP(b_min), nullptr}};
     const size_t n = 37;
     unsigned seed = 7;
-    for (const Case &c : cases) {
+    for (const auto &[name, fn, ref] : cases) {
         for (int kinds = 0; kinds < 4; ++kinds) {
             const bool ac = kinds & 1, bc = kinds & 2;
-            SCOPED_TRACE(std::string(c.name) + " a" + (ac ? "C" : "R") + " b" + (bc ? "C" : "R"));
+            SCOPED_TRACE(std::string(name) + " a" + (ac ? "C" : "R") + " b" + (bc ? "C" : "R"));
             const auto av = uniform<T>(ac ? 2 * n : n, seed++, -4, 4);
             const auto bv = uniform<T>(bc ? 2 * n : n, seed++, -4, 4);
             Rec<T> a(av, ac, T(1)), b(bv, bc, T(3)), r;
-            ASSERT_EQ(c.fn(&a, &b, &r), 0);
+            ASSERT_EQ(fn(&a, &b, &r), 0);
             EXPECT_EQ(r->delta, T(2));
             EXPECT_EQ(r->cplx, (ac || bc) ? 1 : 0);
             ASSERT_EQ(r->n, int32_t(n));
             const auto want = r.values();
-            if (c.ref) {
+            if (ref) {
                 for (size_t i = 0; i < n; ++i) {
-                    const cld z = c.ref(point(av, ac, i), point(bv, bc, i));
+                    const cld z = ref(point(av, ac, i), point(bv, bc, i));
                     const cld got = point(want, ac || bc, i);
                     const double tol = ulps<T>(8) * (1 + double(std::abs(z)));
                     EXPECT_NEAR(double(got.real()), double(z.real()), tol) << i;
@@ -75,13 +71,13 @@ TYPED_TEST(Binary, EveryOperationEveryKindAndInPlace) {
             for (bool as_a : {true, false}) {
                 Rec<T> a1(av, ac, T(1)), b1(bv, bc, T(3));
                 sig<T> *out = as_a ? a1.get() : b1.get();
-                EXPECT_OK(c.fn(&a1, &b1, out), *out, want);
+                EXPECT_OK(fn(&a1, &b1, out), *out, want);
                 EXPECT_EQ(out->delta, T(2));
             }
             std::vector<T> caller = av;
             Rec<T> wrapped;
             *wrapped = wrap(caller.data(), int(n), ac);
-            EXPECT_OK(c.fn(&wrapped, &b, &wrapped), *wrapped, want);
+            EXPECT_OK(fn(&wrapped, &b, &wrapped), *wrapped, want);
             EXPECT_EQ(caller, av);
         }
     }
@@ -117,21 +113,17 @@ TYPED_TEST(Binary, LengthsAndKinds) {
     }
 }
 
-TYPED_TEST(Binary, ZeroDivisorGivesTheLargeValue) {
+// A zero divisor gives the large value L; max and min choose whole points.
+TYPED_TEST(Binary, ZeroDivisorAndExtremesOfComplexPoints) {
     using T = TypeParam;
     const T L = dsp::precision<T>::large;
-    Rec<T> a({1, -1, 0, 6}), b({0, 0, 0, 3}), r, a3({1, -1, 0}), z3({0, 2, 0});
+    Rec<T> a4({1, -1, 0, 6}), b4({0, 0, 0, 3}), r, a3({1, -1, 0}), z3({0, 2, 0});
     Rec<T> ca({1, 0, 0, -2, 0, 0}, true), cb({0, 0, 0, 0, 0, 0}, true);
-    EXPECT_OK(DSP(b_div)(&a, &b, &r), *r, {L, L, 0, 2});
+    EXPECT_OK(DSP(b_div)(&a4, &b4, &r), *r, {L, L, 0, 2});
     EXPECT_OK(DSP(b_div)(&ca, &cb, &r), *r, {L, L, L, L, 0, 0});
     EXPECT_OK(DSP(b_div)(&a3, &cb, &r), *r, {L, L, L, L, 0, 0});
     EXPECT_OK(DSP(b_div)(&ca, &z3, &ca), *ca, {L, L, 0, -1, 0, 0});  // complex by real, in place
-}
-
-TYPED_TEST(Binary, MaxMinOfComplexPoints) {
-    using T = TypeParam;
-    const T L = dsp::precision<T>::large;
-    Rec<T> ra({1, 5, -3}), rb({2, 5, -4}), r;
+    Rec<T> ra({1, 5, -3}), rb({2, 5, -4});
     EXPECT_OK(DSP(b_max)(&ra, &rb, &r), *r, {2, 5, -3});
     EXPECT_OK(DSP(b_min)(&ra, &rb, &r), *r, {1, 5, -4});
     // a: (3,4) |5|, (2L,0) guarded to L, (0,1); b: (0,1), (big,0) with
@@ -200,4 +192,92 @@ TYPED_TEST(Binary, PolynomialProductIsTheLinearConvolution) {
             EXPECT_NEAR(double(z.imag()), want[2 * (kinds * m + k) + 1], ulps<T>(64) * 50);
         }
     }
+}
+
+TYPED_TEST(Binary, DotProductOfEveryKind) {
+    using T = TypeParam;
+    Rec<T> x({1, 2, 3}), y({4, -5, 6}), r({9}, false, T(7)), e, ec({}, true), r2({5});
+    EXPECT_OK(DSP(bs_dot)(&x, &y, &r), *r, {12});
+    EXPECT_EQ(r->delta, T(7));  // kept
+    // Complex with itself: sum of z^2, not of |z|^2.
+    Rec<T> z({1, 2, 3, -1}, true), w({1, 1}), zz({1, 2, 3, -1}, true);
+    EXPECT_OK(DSP(bs_dot)(&z, &zz, &r), *r, {(1 - 4) + (9 - 1), 4 + -6});
+    EXPECT_OK(DSP(bs_dot)(&z, &w, &r), *r, {4, 1});
+    EXPECT_OK(DSP(bs_dot)(&w, &z, &w), *w, {4, 1});  // real a into a complex result in place
+    EXPECT_OK(DSP(bs_dot)(&x, &y, &y), *y, {12});
+    EXPECT_OK(DSP(bs_dot)(&e, &e, &r), *r, {0});
+    EXPECT_OK(DSP(bs_dot)(&ec, &e, &ec), *ec, {0, 0});
+    EXPECT_EQ(DSP(bs_dot)(&x, &z, &r2), -1);
+    expect_values<T>(*r2, {5});
+    // Caller storage used in place is read where it is and left unwritten.
+    T v[3] = {1, 2, 3};
+    Rec<T> a;
+    *a = wrap(v, 3);
+    EXPECT_OK(DSP(bs_dot)(&a, &x, &a), *a, {14});
+    EXPECT_EQ(std::vector<T>(v, v + 3), (std::vector<T>{1, 2, 3}));
+    // Accumulated in point order in the working precision: 1e8 + 1 is 1e8 in
+    // single precision.
+    Rec<T> big({T(1e8), 1, T(-1e8)}), ones({1, 1, 1});
+    EXPECT_OK(DSP(bs_dot)(&big, &ones, &big), *big, {pick<T>(0.0f, 1.0)});
+}
+
+// Correlation through the FFT against numpy.correlate.
+TYPED_TEST(Binary, CorrelationLagsAgainstNumpy) {
+    DSP_NEED_PYTHON();
+    using T = TypeParam;
+    // Every case in turn: n, lags, the kinds of x and y and their scalars.
+    auto each = [](auto f) {
+        unsigned seed = 0;
+        for (int n : {1, 2, 3, 4, 5, 17, 64, 100})
+            for (int lags : {1, (n + 1) / 2, n})
+                for (int xc = 0; xc < 2; ++xc)
+                    for (int yc = 0; yc < 2; ++yc, seed += 2)
+                        f(n, lags, xc, yc, uniform<T>((1 + xc) * n, seed),
+                          uniform<T>((1 + yc) * n, seed + 1));
+    };
+    std::vector<double> in;
+    each([&](int n, int lags, int xc, int yc, const auto &x, const auto &y) {
+        in.insert(in.end(), {double(n), double(lags), double(xc), double(yc)});
+        in.insert(in.end(), x.begin(), x.end());
+        in.insert(in.end(), y.begin(), y.end());
+    });
+    const auto want = python(
+        "i, out = 0, []\n"
+        "while i < len(x):\n"
+        "    n, lags, xc, yc = (int(v) for v in x[i:i + 4])\n"
+        "    a = x[i + 4:i + 4 + n * (1 + xc)]\n"
+        "    b = x[i + 4 + len(a):i + 4 + len(a) + n * (1 + yc)]\n"
+        "    i += 4 + len(a) + len(b)\n"
+        "    a, b = (v[0::2] + 1j * v[1::2] if c else v for v, c in ((a, xc), (b, yc)))\n"
+        "    out += [v for z in np.correlate(a, b, 'full')[n - 1:n - 1 + lags] for v in (z.real, "
+        "z.imag)]\n"
+        "print(*out)",
+        in);
+    // Every arrangement of result and scratch: separate records, the result
+    // in x or y, the scratch null, the result's, or x's; odd cases halved.
+    size_t at = 0;
+    int k = 0;
+    Rec<T> scratch;
+    each([&](int n, int lags, int xc, int yc, const auto &xv, const auto &yv) {
+        Rec<T> x(xv, xc, T(1)), y(yv, yc, T(3)), r;
+        const int arrangement = k % 4, option = k++ % 2, c = xc || yc ? 2 : 1;
+        Rec<T> &res = arrangement == 1 ? x : arrangement == 2 ? y : r;
+        auto *s = arrangement == 0 ? scratch.get() : arrangement == 3 ? r.get() : nullptr;
+        ASSERT_EQ(DSP(h_corr)(&x, &y, &res, arrangement == 2 ? x.get() : s, lags, option), 0);
+        ASSERT_TRUE(res->n == lags && res->cplx == (c == 2) && res->delta == T(2));
+        for (int i = 0; i < c * lags; ++i)
+            EXPECT_NEAR(res->data[i], want.at(at + 2 * (i / c) + i % c) * (option ? 0.5 : 1),
+                        ulps<T>(4) * n)
+                << n << " " << lags << " " << xc << yc << " scalar " << i;
+        at += 2 * lags;
+    });
+    EXPECT_EQ(at, want.size());
+    // The two-record form is option 0; unequal lengths or a lag count outside
+    // 1 .. n give -1 and leave r untouched.
+    Rec<T> a({1, 2, 3}), b({1, 1, 0}), c({1, 2}), r({9});
+    EXPECT_OK(DSP(b_corr)(&a, &b, &r, nullptr, 3), *r, {3, 5, 3}, ulps<T>(8));
+    EXPECT_EQ(DSP(b_corr)(&a, &c, &r, nullptr, 1), -1);
+    EXPECT_EQ(DSP(b_corr)(&a, &b, &r, nullptr, 0), -1);
+    EXPECT_EQ(DSP(h_corr)(&a, &b, &r, nullptr, 4, 1), -1);
+    expect_values<T>(*r, {3, 5, 3}, ulps<T>(8));
 }
