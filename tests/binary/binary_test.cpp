@@ -99,9 +99,8 @@ TYPED_TEST(Binary, LengthsAndKinds) {
     for (auto fn : {DSP(b_mul), DSP(b_div), DSP(b_conj_mul), DSP(b_max), DSP(b_min)})
         EXPECT_EQ(fn(&a2, &b3, &keep), -1);
     EXPECT_EQ(DSP(b_avg_add)(&a2, &b3, &keep, T(0.5)), -1);
-    EXPECT_EQ(DSP(b_ritoc)(&a2, &b3, &keep), -1);
-    EXPECT_EQ(DSP(b_ritoc)(&a2, &c2, &keep), -1);
-    EXPECT_EQ(DSP(b_ritoc)(&c2, &a2, &keep), -1);
+    for (auto [x, y] : {std::pair{&a2, &b3}, {&a2, &c2}, {&c2, &a2}})
+        EXPECT_EQ(DSP(b_ritoc)(x, y, &keep), -1);
     expect_values<T>(*keep, {7});
     EXPECT_EQ(keep->delta, T(5));
     // Real and imaginary parts joined into a new record, im or re.

@@ -86,13 +86,13 @@ void on_every_kernel(F f) {
 }  // namespace
 
 template <class T>
-class Fft : public ::testing::Test {};
-TYPED_TEST_SUITE(Fft, Precisions);
+class Transform : public ::testing::Test {};
+TYPED_TEST_SUITE(Transform, Precisions);
 
 // Every power of two up to 65536, forward, inverse and back, on every
 // kernel; sizes interleaved so that the tables of several sizes coexist, and
 // rebuilt after a release. Real records are widened first.
-TYPED_TEST(Fft, MatchesLongDoubleReference) {
+TYPED_TEST(Transform, FftMatchesLongDoubleReference) {
     using T = TypeParam;
     const auto order =
         within_reference_reach({1,     65536, 4,   2,   1024, 8,    32768, 16, 32,   64,
@@ -129,7 +129,7 @@ TYPED_TEST(Fft, MatchesLongDoubleReference) {
     }
 }
 
-TYPED_TEST(Fft, ExactCasesAndFailures) {
+TYPED_TEST(Transform, FftExactCasesAndFailures) {
     using T = TypeParam;
     const T L = dsp::precision<T>::large;
     // Not a power of two, or empty: -1, untouched.
@@ -173,7 +173,7 @@ TYPED_TEST(Fft, ExactCasesAndFailures) {
 // Real and complex records of 1 to 2048 points: point i and point rev(i)
 // change places (larger complex records take a blockwise path), and
 // bitrev_scale undoes that with each scalar scaled by 1/n once.
-TYPED_TEST(Fft, BitReversal) {
+TYPED_TEST(Transform, BitReversal) {
     using T = TypeParam;
     EXPECT_EQ(DSP(_free_internal)(), 0);
     for (int b : {0, 3, 4, 5, 6, 7, 10, 11}) {
@@ -199,7 +199,7 @@ TYPED_TEST(Fft, BitReversal) {
 // Real data is transformed in a block the temporary record takes and
 // releases again, so the array keeps its samples; only the halving that
 // precedes the widening of two points reaches it.
-TYPED_TEST(Fft, RawArray) {
+TYPED_TEST(Transform, FftRawArray) {
     using T = TypeParam;
     auto cf = pick<T>(cf_dspfi_fft, cf_dspi_fft);
     for (int n : {1, 2, 16, 4096}) {
@@ -220,11 +220,7 @@ TYPED_TEST(Fft, RawArray) {
     EXPECT_EQ(two, (std::vector<T>{0.5, 1.5}));
 }
 
-template <class T>
-class Spectral : public ::testing::Test {};
-TYPED_TEST_SUITE(Spectral, Precisions);
-
-TYPED_TEST(Spectral, DocumentedCases) {
+TYPED_TEST(Transform, DocumentedCases) {
     using T = TypeParam;
     constexpr T L = dsp::precision<T>::large;
     Rec<T> x({1, 2, 3, 4});
@@ -288,7 +284,7 @@ TYPED_TEST(Spectral, DocumentedCases) {
 
 // rdft and irdft of odd lengths and every power of two up to 65536, on
 // every kernel.
-TYPED_TEST(Spectral, RealTransformsAgainstLongDouble) {
+TYPED_TEST(Transform, RealTransformsAgainstLongDouble) {
     using T = TypeParam;
     std::vector<int> sizes = {3, 5, 6, 7, 12, 100, 243, 1000, 4097};
     for (int n = 1; n <= 65536; n *= 2) sizes.push_back(n);
@@ -321,7 +317,7 @@ TYPED_TEST(Spectral, RealTransformsAgainstLongDouble) {
 // Every length up to 400 with no prime factor beyond 7 (a power of two
 // excepted) and two longer ones, both directions, on every kernel: the
 // mixed-radix transform held to the accuracy of the power-of-two FFT.
-TYPED_TEST(Spectral, MixedRadixLengthsOnEveryKernel) {
+TYPED_TEST(Transform, MixedRadixLengthsOnEveryKernel) {
     using T = TypeParam;
     std::vector<int> sizes = {1000, 2401};
     for (int n = 3; n <= 400; ++n) {
@@ -346,7 +342,7 @@ TYPED_TEST(Spectral, MixedRadixLengthsOnEveryKernel) {
     }
 }
 
-TYPED_TEST(Spectral, ComplexDftBothDirectionsChirpCacheAndFailedAllocation) {
+TYPED_TEST(Transform, ComplexDftBothDirectionsChirpCacheAndFailedAllocation) {
     using T = TypeParam;
     // Lengths and directions interleaved: same length both ways, new lengths,
     // back to an earlier one, and the caches released in between.
@@ -412,7 +408,7 @@ TYPED_TEST(Spectral, ComplexDftBothDirectionsChirpCacheAndFailedAllocation) {
     ASSERT_EQ(DSP(i_dct)(&y, 0), 0);
 }
 
-TYPED_TEST(Spectral, DctMatchesScipyAndInverts) {
+TYPED_TEST(Transform, DctMatchesScipyAndInverts) {
     using T = TypeParam;
     const std::vector<int> sizes = {1, 2, 3, 4, 5, 8, 12, 15, 16, 100, 1024};
     std::vector<double> all;
@@ -455,7 +451,7 @@ TYPED_TEST(Spectral, DctMatchesScipyAndInverts) {
     EXPECT_EQ(none->n, 0);
 }
 
-TYPED_TEST(Spectral, HilbertAndAnalyticOfCosines) {
+TYPED_TEST(Transform, HilbertAndAnalyticOfCosines) {
     using T = TypeParam;
     const double tol = ulps<T>(64);
     for (int n : {64, 100, 63}) {

@@ -296,21 +296,18 @@ TYPED_TEST(WindowGenerate, CosineAndFilterDesignWindows) {
     EXPECT_NEAR(double(z->data[1]), 2.0, 1e-6);
 }
 
-// The cache of the generic windowing operation, empty at the start and end
-// of each test.
-template <class T>
-class WindowCache : public ::testing::Test {
-    void SetUp() override { ASSERT_EQ(pick<T>(dspf_free_internal, dsp_free_internal)(), 0); }
-    void TearDown() override { EXPECT_EQ(pick<T>(dspf_free_internal, dsp_free_internal)(), 0); }
-};
-TYPED_TEST_SUITE(WindowCache, Precisions);
-
-TYPED_TEST(WindowCache, ReuseAndFirstInFirstOut) {
+// The cache of the generic windowing operation, from empty to empty.
+TYPED_TEST(WindowGenerate, CacheReuseFirstInFirstOutAndWidthKeys) {
     using T = TypeParam;
     auto run = [](int n, int kind, int flags) {
         return applied<T>(std::vector<T>(size_t(n), T(1)), false,
                           [&](sig<T> *x) { return DSP(i_window)(x, kind, flags); });
     };
+    auto ring = [](int used, int last) {
+        EXPECT_EQ(dsp::window_cache_used<T>(), used);
+        EXPECT_EQ(dsp::window_cache_last<T>(), last);
+    };
+    ASSERT_EQ(DSP(_free_internal)(), 0);
     EXPECT_EQ(dsp::window_cache_used<T>(), 0);
     const std::vector<T> first = run(8, DSP_WINDOW_HANN, 0);
     EXPECT_EQ(dsp::window_cache_used<T>(), 1);
@@ -329,40 +326,37 @@ TYPED_TEST(WindowCache, ReuseAndFirstInFirstOut) {
     // Fifteen more distinct windows fill the ring; the seventeenth replaces
     // the oldest entry, the next one the second oldest.
     for (int i = 1; i < 16; ++i) run(8 + i, DSP_WINDOW_HANN, 0);
-    EXPECT_EQ(dsp::window_cache_used<T>(), 16);
-    EXPECT_EQ(dsp::window_cache_last<T>(), 15);
+    ring(16, 15);
     run(100, DSP_WINDOW_BLACKMAN, 1);
-    EXPECT_EQ(dsp::window_cache_used<T>(), 16);
-    EXPECT_EQ(dsp::window_cache_last<T>(), 0);
+    ring(16, 0);
     EXPECT_EQ(dsp::window_cache_entry<T>(0)->n, 100);
     EXPECT_EQ(run(8, DSP_WINDOW_HANN, 0), first);  // evicted: generated again
-    EXPECT_EQ(dsp::window_cache_last<T>(), 1);
+    ring(16, 1);
     EXPECT_EQ(dsp::window_cache_entry<T>(1)->n, 8);
     run(9, DSP_WINDOW_HANN, 0);  // entry 1 of the first round was n = 9: now at 2
-    EXPECT_EQ(dsp::window_cache_last<T>(), 2);
+    ring(16, 2);
     // Release: everything goes, the next call builds a new cache.
-    ASSERT_EQ(pick<T>(dspf_free_internal, dsp_free_internal)(), 0);
+    ASSERT_EQ(DSP(_free_internal)(), 0);
     EXPECT_EQ(dsp::window_cache_used<T>(), 0);
     EXPECT_EQ(dsp::window_cache_entry<T>(0), nullptr);
     EXPECT_EQ(run(8, DSP_WINDOW_HANN, 0), first);
     EXPECT_EQ(dsp::window_cache_used<T>(), 1);
-}
+    ASSERT_EQ(DSP(_free_internal)(), 0);
 
-TYPED_TEST(WindowCache, ExplicitWidthAndFailedGeneration) {
-    using T = TypeParam;
+    // With the width flag the width is part of the key.
     Rec<T> x;
-    auto run = [&](T p) {
+    auto width = [&](T p) {
         x.set(std::vector<T>(16, T(1)));
         EXPECT_EQ(DSP(i_window2)(&x, DSP_WINDOW_HANN, 8 | 2, p), 0);
     };
-    run(T(8));
+    width(T(8));
     const std::vector<T> w8 = x.values();
     EXPECT_EQ(dsp::window_cache_used<T>(), 1);
     // Within the relative tolerance of approx_equal: the same entry.
-    run(T(8) * (T(1) + T(4) * std::numeric_limits<T>::epsilon()));
+    width(T(8) * (T(1) + T(4) * std::numeric_limits<T>::epsilon()));
     EXPECT_EQ(dsp::window_cache_used<T>(), 1);
     EXPECT_EQ(x.values(), w8);
-    run(T(8.01));
+    width(T(8.01));
     EXPECT_EQ(dsp::window_cache_used<T>(), 2);
     // Without the width flag the parameter is not part of the key.
     for (T p : {T(1), T(5)}) ASSERT_EQ(DSP(i_window2)(&x, DSP_WINDOW_HANN, 2, p), 0);
@@ -375,4 +369,5 @@ TYPED_TEST(WindowCache, ExplicitWidthAndFailedGeneration) {
         EXPECT_EQ(dsp::window_cache_used<T>(), 4);
     }
     EXPECT_EQ(x->n, 4);
+    EXPECT_EQ(DSP(_free_internal)(), 0);
 }
