@@ -46,22 +46,19 @@ TYPED_TEST(WindowedSpectrum, ToneLevelScratchInPlaceAndFailures) {
     ASSERT_EQ(out->n, 2049);
     EXPECT_NEAR(double(out->data[400]), 0.999640286, 2e-5);  // the unit-mean a0
     // Both transforms the same, twice with a kept scratch record, into the
-    // scratch itself, and in place.
+    // scratch itself, and in place. Failures of both: empty, a length below
+    // n, a bad form; of the FFT: an unknown kind, padding not a power of two,
+    // flag 8; of the DFT: a negative length.
     const std::vector<T> first = out.values();
+    Rec<T> x({1, 2, 3}), empty, r({5}), one({3});
     for (auto op : {DSP(h_fft), DSP(h_dft)}) {
         Rec<T> o, scratch, self(v);
-        auto flat = [&](sig<T> *i, sig<T> *r, sig<T> *s) {
-            return op(i, r, s, DSP_WINDOW_FLATTOP, mag, 4096);
+        auto flat = [&](sig<T> *i, sig<T> *res, sig<T> *s) {
+            return op(i, res, s, DSP_WINDOW_FLATTOP, mag, 4096);
         };
         for (int k = 0; k < 2; ++k) EXPECT_OK(flat(&in, &o, &scratch), *o, first);
         EXPECT_OK(flat(&in, &scratch, &scratch), *scratch, first);
         EXPECT_OK(flat(&self, &self, nullptr), *self, first);
-    }
-    // Failures of both transforms: empty, a length below n, a bad form; of
-    // the FFT: an unknown kind, padding not a power of two, flag 8; of the
-    // DFT: a negative length.
-    Rec<T> x({1, 2, 3}), empty, r({5}), one({3});
-    for (auto op : {DSP(h_fft), DSP(h_dft)}) {
         EXPECT_EQ(op(&empty, &r, nullptr, DSP_WINDOW_HANN, 0, 0), -1);
         EXPECT_EQ(op(&x, &r, nullptr, DSP_WINDOW_HANN, 0, 2), -1);
         EXPECT_EQ(op(&x, &r, nullptr, DSP_WINDOW_HANN, 0x300, 0), -1);
