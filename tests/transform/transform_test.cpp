@@ -129,47 +129,6 @@ TYPED_TEST(Transform, FftMatchesLongDoubleReference) {
     }
 }
 
-TYPED_TEST(Transform, FftExactCasesAndFailures) {
-    using T = TypeParam;
-    const T L = dsp::precision<T>::large;
-    // Not a power of two, or empty: -1, untouched.
-    Rec<T> r3({1, 2, 3}, false, T(2)), e;
-    EXPECT_EQ(DSP(i_fft)(&r3, 0), -1);
-    EXPECT_EQ(DSP(i_bitrev)(&r3), -1);
-    EXPECT_EQ(DSP(i_bitrev_scale)(&r3), -1);
-    EXPECT_EQ(DSP(i_fft)(&e, 1), -1);
-    EXPECT_TRUE(r3->delta == T(2) && r3->cplx == 0 && e->delta == T(1));
-    expect_values<T>(*r3, {1, 2, 3});
-    // One real point stays real; (1, 1) and back; a unit impulse, delta 0
-    // giving L; e^(+2 pi i m / 8), a single line at index 1.
-    Rec<T> one({3}, false, T(2)), two({1, 1}), imp({1, 0, 0, 0, 0, 0, 0, 0}, false, T(0)), line;
-    EXPECT_OK(DSP(i_fft)(&one, 0), *one, {3});
-    EXPECT_EQ(one->delta, T(0.5));
-    EXPECT_OK(DSP(i_fft)(&two, 0), *two, {1, 0, 0, 0});
-    EXPECT_EQ(two->delta, T(0.5));
-    EXPECT_OK(DSP(i_fft)(&two, 1), *two, {1, 0, 1, 0});
-    EXPECT_EQ(two->delta, T(1));
-    std::vector<T> flat, tone, want(16, T(0));
-    for (int m = 0; m < 8; ++m) {
-        flat.insert(flat.end(), {T(0.125), T(0)});
-        tone.insert(tone.end(), {T(std::cos(M_PI * m / 4)), T(std::sin(M_PI * m / 4))});
-    }
-    EXPECT_OK(DSP(i_fft)(&imp, 0), *imp, flat);
-    EXPECT_EQ(imp->delta, L);
-    want[2] = 1;
-    line.set(tone, true);
-    EXPECT_OK(DSP(i_fft)(&line, 0), *line, want, ulps<T>(4));
-    // Widening that fails: -1, the record already complex (and unscaled).
-    struct hook {
-        static void fail(sig<T> *x, int, int) { x->data = nullptr; }
-    };
-    Rec<T> w({1, 2, 3, 4, 5, 6, 7, 8}, false, T(2));
-    ASSERT_EQ(DSP(_lib_realloc)(hook::fail, nullptr), 0);
-    EXPECT_EQ(DSP(i_fft)(&w, 0), -1);
-    DSP(_lib_realloc)(nullptr, nullptr);
-    EXPECT_TRUE(w->cplx == 1 && w->delta == T(2));
-}
-
 // Real and complex records of 1 to 2048 points: point i and point rev(i)
 // change places (larger complex records take a blockwise path), and
 // bitrev_scale undoes that with each scalar scaled by 1/n once.
@@ -220,44 +179,75 @@ TYPED_TEST(Transform, FftRawArray) {
     EXPECT_EQ(two, (std::vector<T>{0.5, 1.5}));
 }
 
-TYPED_TEST(Transform, DocumentedCases) {
+// Exact values and spacings of short records, and refusals.
+TYPED_TEST(Transform, ExactCasesAndRefusals) {
     using T = TypeParam;
     constexpr T L = dsp::precision<T>::large;
-    Rec<T> x({1, 2, 3, 4});
-    EXPECT_OK(DSP(i_rfft)(&x), *x, {2.5, 0, -0.5, 0.5, -0.5, 0}, ulps<T>());
-    EXPECT_EQ(x->delta, T(0.25));
-    EXPECT_OK(DSP(i_irfft)(&x), *x, {1, 2, 3, 4}, ulps<T>(8));
-    EXPECT_EQ(x->delta, T(1));
-
-    // Refusals leave the record unchanged; irfft needs 2(n - 1) to be a
-    // power of two.
-    Rec<T> c({1, 0, 2, 0}, true), three({1, 2, 3}), empty, h4({1, 0, 2, 0, 3, 0, 4, 0}, true);
-    EXPECT_EQ(DSP(i_rfft)(&c), -1);
-    EXPECT_EQ(DSP(i_rdft)(&c), -1);
-    EXPECT_EQ(DSP(i_dct)(&c, 0), -1);
-    expect_values<T>(*c, {1, 0, 2, 0});
-    EXPECT_EQ(DSP(i_rfft)(&three), -1);
-    EXPECT_EQ(DSP(i_rfft)(&empty), -1);
-    expect_values<T>(*three, {1, 2, 3});
-    EXPECT_EQ(DSP(i_irfft)(&h4), -1);
-
-    // One and two points; delta 0 becomes L; a single point stays as it is.
-    Rec<T> one({5}, false, T(2)), two({3, 1}, false, T(0)), d1({7}, false, T(4));
+    // Status 0, then the record's scalars want (within tol) and spacing d.
+    auto check = [](int status, Rec<T> &r, const std::vector<T> &want, T d, double tol = 0) {
+        EXPECT_EQ(status, 0);
+        expect_values<T>(*r, want, tol);
+        EXPECT_EQ(r->delta, d);
+    };
+    // FFT: one real point stays real; (1, 1) and back; a unit impulse, delta
+    // 0 giving L; e^(+2 pi i m / 8), a single line at index 1.
+    Rec<T> one({3}, false, T(2)), two({1, 1}), imp({1, 0, 0, 0, 0, 0, 0, 0}, false, T(0)), line;
+    check(DSP(i_fft)(&one, 0), one, {3}, T(0.5));
+    check(DSP(i_fft)(&two, 0), two, {1, 0, 0, 0}, T(0.5));
+    check(DSP(i_fft)(&two, 1), two, {1, 0, 1, 0}, T(1));
+    std::vector<T> flat, tone, single(16, T(0));
+    for (int m = 0; m < 8; ++m) {
+        flat.insert(flat.end(), {T(0.125), T(0)});
+        tone.insert(tone.end(), {T(std::cos(M_PI * m / 4)), T(std::sin(M_PI * m / 4))});
+    }
+    check(DSP(i_fft)(&imp, 0), imp, flat, L);
+    single[2] = 1;
+    line.set(tone, true);
+    check(DSP(i_fft)(&line, 0), line, single, T(0.125), ulps<T>(4));
+    // Real FFT and its inverse; one and two points, delta 0 becoming L; a
+    // single point stays as it is.
+    Rec<T> x({1, 2, 3, 4}), r1({5}, false, T(2)), r2({3, 1}, false, T(0)), d1({7}, false, T(4));
     Rec<T> p1({6, 1}, true, T(0.5)), none;
-    EXPECT_OK(DSP(i_rfft)(&one), *one, {5});
-    EXPECT_EQ(one->delta, T(0.5));
-    EXPECT_OK(DSP(i_rfft)(&two), *two, {2, 0, 1, 0});
-    EXPECT_EQ(two->delta, L);
-    EXPECT_OK(DSP(i_dft)(&d1, 1), *d1, {7});  // still real
-    EXPECT_EQ(d1->delta, T(0.25));
-    EXPECT_OK(DSP(i_irdft)(&p1, 1), *p1, {6});
-    EXPECT_EQ(p1->delta, T(2));
+    check(DSP(i_rfft)(&x), x, {2.5, 0, -0.5, 0.5, -0.5, 0}, T(0.25), ulps<T>());
+    check(DSP(i_irfft)(&x), x, {1, 2, 3, 4}, T(1), ulps<T>(8));
+    check(DSP(i_rfft)(&r1), r1, {5}, T(0.5));
+    check(DSP(i_rfft)(&r2), r2, {2, 0, 1, 0}, L);
+    check(DSP(i_dft)(&d1, 1), d1, {7}, T(0.25));  // still real
+    check(DSP(i_irdft)(&p1, 1), p1, {6}, T(2));
     none->delta = T(0);
     EXPECT_EQ(DSP(i_rdft)(&none), 0);
     EXPECT_EQ(none->delta, L);
     EXPECT_EQ(DSP(i_hilbert)(&none), 0);
     EXPECT_EQ(DSP(i_analytic)(&none), 0);
     EXPECT_EQ(none->n, 0);
+
+    // Refusals leave the record unchanged: a length not a power of two, or
+    // none, for the FFT and bit reversal; a complex record for the real
+    // transforms; irfft needs 2(n - 1) to be a power of two.
+    Rec<T> r3({1, 2, 3}, false, T(2)), e, c({1, 0, 2, 0}, true), h4({1, 0, 2, 0, 3, 0, 4, 0}, true);
+    EXPECT_EQ(DSP(i_fft)(&r3, 0), -1);
+    EXPECT_EQ(DSP(i_bitrev)(&r3), -1);
+    EXPECT_EQ(DSP(i_bitrev_scale)(&r3), -1);
+    EXPECT_EQ(DSP(i_rfft)(&r3), -1);
+    EXPECT_TRUE(r3->delta == T(2) && r3->cplx == 0);
+    expect_values<T>(*r3, {1, 2, 3});
+    EXPECT_EQ(DSP(i_fft)(&e, 1), -1);
+    EXPECT_EQ(DSP(i_rfft)(&e), -1);
+    EXPECT_EQ(e->delta, T(1));
+    EXPECT_EQ(DSP(i_rfft)(&c), -1);
+    EXPECT_EQ(DSP(i_rdft)(&c), -1);
+    EXPECT_EQ(DSP(i_dct)(&c, 0), -1);
+    expect_values<T>(*c, {1, 0, 2, 0});
+    EXPECT_EQ(DSP(i_irfft)(&h4), -1);
+    // Widening that fails: -1, the record already complex (and unscaled).
+    struct hook {
+        static void fail(sig<T> *x, int, int) { x->data = nullptr; }
+    };
+    Rec<T> w({1, 2, 3, 4, 5, 6, 7, 8}, false, T(2));
+    ASSERT_EQ(DSP(_lib_realloc)(hook::fail, nullptr), 0);
+    EXPECT_EQ(DSP(i_fft)(&w, 0), -1);
+    DSP(_lib_realloc)(nullptr, nullptr);
+    EXPECT_TRUE(w->cplx == 1 && w->delta == T(2));
 
     // Three points go through the chirp-z path: the direct DFT with 1/3.
     Rec<T> t3({1, 2, 3}, false, T(0.5));
