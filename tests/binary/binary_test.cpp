@@ -21,9 +21,7 @@ cld point(const std::vector<T> &v, bool cplx, size_t i) {
 
 }  // namespace
 
-template <class T>
-class Binary : public ::testing::Test {};
-TYPED_TEST_SUITE(Binary, Precisions);
+DSP_TYPED_SUITE(Binary);
 
 // Every operation and every kind combination: an independent long-double
 // reference, and the same result when r is a, when r is b, and when a wraps

@@ -42,9 +42,7 @@ void throws(F f, const char *message) {
     }
 }
 
-template <class T>
-class CircleFit : public ::testing::Test {};
-TYPED_TEST_SUITE(CircleFit, Precisions);
+DSP_TYPED_SUITE(CircleFit);
 
 }  // namespace
 

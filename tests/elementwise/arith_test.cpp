@@ -120,9 +120,7 @@ void expect_close(const std::vector<T> &input, const std::vector<T> &want, bool 
 
 }  // namespace
 
-template <class T>
-class Arith : public ::testing::Test {};
-TYPED_TEST_SUITE(Arith, Precisions);
+DSP_TYPED_SUITE(Arith);
 
 TYPED_TEST(Arith, LinearOperations) {
     using T = TypeParam;

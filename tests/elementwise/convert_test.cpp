@@ -6,9 +6,7 @@
 
 using namespace dsp_test;
 
-template <class T>
-class Convert : public ::testing::Test {};
-TYPED_TEST_SUITE(Convert, Precisions);
+DSP_TYPED_SUITE(Convert);
 
 TYPED_TEST(Convert, ValuesAndKinds) {
     using T = TypeParam;

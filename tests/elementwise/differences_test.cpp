@@ -9,9 +9,7 @@ using namespace dsp_test;
 
 namespace {
 
-template <class T>
-class Differences : public ::testing::Test {};
-TYPED_TEST_SUITE(Differences, Precisions);
+DSP_TYPED_SUITE(Differences);
 
 // A wrapped phase that moves by up to `step` radians plus `drift` per sample.
 template <class T>

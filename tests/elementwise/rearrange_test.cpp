@@ -8,9 +8,7 @@ using namespace dsp_test;
 
 namespace {
 
-template <class T>
-class Rearrange : public ::testing::Test {};
-TYPED_TEST_SUITE(Rearrange, Precisions);
+DSP_TYPED_SUITE(Rearrange);
 
 // m points; point i is j + 1 (complex: (j + 1, -j - 1)) for j = at(i),
 // times f; j = -1 gives a zero point.

@@ -97,16 +97,10 @@ class Fir : public ::testing::Test {
  protected:
     void TearDown() override { dsp::filter_kernel::select_kernels(1); }
 };
-template <class T>
-class Decimate : public ::testing::Test {};
-template <class T>
-class Resample : public ::testing::Test {};
-template <class T>
-class Stream : public ::testing::Test {};
+DSP_TYPED_SUITE(Decimate);
+DSP_TYPED_SUITE(Resample);
+DSP_TYPED_SUITE(Stream);
 TYPED_TEST_SUITE(Fir, Precisions);
-TYPED_TEST_SUITE(Decimate, Precisions);
-TYPED_TEST_SUITE(Resample, Precisions);
-TYPED_TEST_SUITE(Stream, Precisions);
 
 TYPED_TEST(Fir, BlockwiseEqualsOnePieceDirectSum) {
     using T = TypeParam;

@@ -54,9 +54,7 @@ int status_of(const std::string &outcome) {
 
 }  // namespace
 
-template <class T>
-class FaultInjection : public ::testing::Test {};
-TYPED_TEST_SUITE(FaultInjection, Precisions);
+DSP_TYPED_SUITE(FaultInjection);
 
 TYPED_TEST(FaultInjection, EveryAllocationFailsInTurn) {
     using T = TypeParam;

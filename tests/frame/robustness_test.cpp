@@ -19,9 +19,7 @@
 
 using namespace dsp_test;
 
-template <class T>
-class Robustness : public ::testing::Test {};
-TYPED_TEST_SUITE(Robustness, Precisions);
+DSP_TYPED_SUITE(Robustness);
 
 namespace {
 

@@ -78,15 +78,9 @@ std::vector<LD> reference(int kind, int n, LD a, LD b) {
 
 }  // namespace
 
-template <class T>
-class FirDesign : public ::testing::Test {};
-template <class T>
-class Tone : public ::testing::Test {};
-template <class T>
-class Kernel : public ::testing::Test {};
-TYPED_TEST_SUITE(FirDesign, Precisions);
-TYPED_TEST_SUITE(Tone, Precisions);
-TYPED_TEST_SUITE(Kernel, Precisions);
+DSP_TYPED_SUITE(FirDesign);
+DSP_TYPED_SUITE(Tone);
+DSP_TYPED_SUITE(Kernel);
 
 TYPED_TEST(FirDesign, EveryKindMatchesFormula) {
     using T = TypeParam;

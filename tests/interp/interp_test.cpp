@@ -8,9 +8,7 @@
 
 using namespace dsp_test;
 
-template <class T>
-class Interp : public ::testing::Test {};
-TYPED_TEST_SUITE(Interp, Precisions);
+DSP_TYPED_SUITE(Interp);
 
 // Every mode on uniform and tabulated knots, real and complex values, one to
 // nine knots, at positions on, between and beyond the knots; the second

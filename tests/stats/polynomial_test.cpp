@@ -33,9 +33,7 @@ void expect_roots(const std::vector<cd> &got, const std::vector<cd> &want, doubl
 
 }  // namespace
 
-template <class T>
-class Polynomial : public ::testing::Test {};
-TYPED_TEST_SUITE(Polynomial, Precisions);
+DSP_TYPED_SUITE(Polynomial);
 
 // Lines through the time axis and through an x record against
 // scipy.stats.linregress, in place; two points, a constant record, failures.

@@ -7,9 +7,7 @@
 
 using namespace dsp_test;
 
-template <class T>
-class Stats : public ::testing::Test {};
-TYPED_TEST_SUITE(Stats, Precisions);
+DSP_TYPED_SUITE(Stats);
 
 TYPED_TEST(Stats, SumsMeansAndTheLargeValue) {
     using T = TypeParam;

@@ -29,6 +29,13 @@ namespace dsp_test {
 
 using Precisions = ::testing::Types<float, double>;
 
+// A typed test suite over both precisions without a fixture of its own:
+// DSP_TYPED_SUITE(Fir); then TYPED_TEST(Fir, ...) with TypeParam float or double.
+#define DSP_TYPED_SUITE(name)               \
+    template <class T>                      \
+    class name : public ::testing::Test {}; \
+    TYPED_TEST_SUITE(name, ::dsp_test::Precisions)
+
 // True when the suite runs under an instruction-set emulator (CTest sets
 // DSP_TEST_EMULATED for the qemu runs of the cross builds): long references
 // are then cut down, with a note of what was left out.

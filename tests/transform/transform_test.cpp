@@ -83,9 +83,7 @@ void on_every_kernel(F f) {
 
 }  // namespace
 
-template <class T>
-class Transform : public ::testing::Test {};
-TYPED_TEST_SUITE(Transform, Precisions);
+DSP_TYPED_SUITE(Transform);
 
 // Every power of two up to 65536, forward, inverse and back, on every
 // kernel; sizes interleaved so that the tables of several sizes coexist, and

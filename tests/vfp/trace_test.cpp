@@ -17,9 +17,7 @@
 
 using namespace dsp_test;
 
-template <class T>
-class Trace : public ::testing::Test {};
-TYPED_TEST_SUITE(Trace, Precisions);
+DSP_TYPED_SUITE(Trace);
 
 TYPED_TEST(Trace, MultiplyAndScale) {
     using T = TypeParam;
@@ -313,9 +311,7 @@ TEST(FloatingPointControl, RunFastRoundingAndRestore) {
     EXPECT_EQ(control(get_fpscr()), saved);
 }
 
-template <class T>
-class RunFast : public ::testing::Test {};
-TYPED_TEST_SUITE(RunFast, Precisions);
+DSP_TYPED_SUITE(RunFast);
 
 // The library's own products under run-fast: denormal results of both
 // multiplications (one by one and, in vfpsbMul2, the groups of 16) become

@@ -51,9 +51,7 @@ std::string upper(std::string s) {
 
 }  // namespace
 
-template <class T>
-class WindowCatalogue : public ::testing::Test {};
-TYPED_TEST_SUITE(WindowCatalogue, Precisions);
+DSP_TYPED_SUITE(WindowCatalogue);
 
 TYPED_TEST(WindowCatalogue, NamesInAnyCaseMixAndNoValueToText) {
     static_assert(sizeof short_names / sizeof short_names[0] == 40);

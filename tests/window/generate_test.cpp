@@ -49,9 +49,7 @@ void expect_close(const std::vector<double> &got, const std::vector<double> &wan
 
 }  // namespace
 
-template <class T>
-class WindowGenerate : public ::testing::Test {};
-TYPED_TEST_SUITE(WindowGenerate, Precisions);
+DSP_TYPED_SUITE(WindowGenerate);
 
 TYPED_TEST(WindowGenerate, CoefficientTablesAreConsistent) {
     using T = TypeParam;

@@ -31,9 +31,7 @@ const char *const kNextRecord =
 
 }  // namespace
 
-template <class T>
-class WindowedSpectrum : public ::testing::Test {};
-TYPED_TEST_SUITE(WindowedSpectrum, Precisions);
+DSP_TYPED_SUITE(WindowedSpectrum);
 
 TYPED_TEST(WindowedSpectrum, ToneLevelScratchInPlaceAndFailures) {
     using T = TypeParam;
